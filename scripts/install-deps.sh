@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Installs the Debian packages Velmora needs to build, run and test, and only those missing.
+set -euo pipefail
+packages=(build-essential cmake pkg-config qt6-base-dev qt6-qpa-plugins libsqlite3-dev mdbtools-dev
+          xvfb xauth fonts-dejavu-core)
+missing=()
+for package in "${packages[@]}"; do
+    if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
+        missing+=("$package")
+    fi
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+echo "Installing: ${missing[*]}"
+sudo=""
+[ "$(id -u)" -ne 0 ] && sudo="sudo"
+$sudo apt-get update
+$sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}"

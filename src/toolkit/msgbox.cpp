@@ -1,0 +1,94 @@
+#include "toolkit/msgbox.h"
+
+#include <QApplication>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include "toolkit/vbruntime.h"
+
+namespace {
+
+std::function<int(const MsgBoxCall&)> msgBoxResponder;
+std::function<QString(const InputBoxCall&)> inputBoxResponder;
+
+struct ButtonChoice {
+    QMessageBox::StandardButton button;
+    int result;
+};
+
+QList<ButtonChoice> ButtonsFor(int flags) {
+    switch (flags & 7) {
+        case vbOKCancel: return {{QMessageBox::Ok, vbOK}, {QMessageBox::Cancel, vbCancel}};
+        case vbAbortRetryIgnore:
+            return {{QMessageBox::Abort, vbAbort},
+                    {QMessageBox::Retry, vbRetry},
+                    {QMessageBox::Ignore, vbIgnore}};
+        case vbYesNoCancel:
+            return {{QMessageBox::Yes, vbYes}, {QMessageBox::No, vbNo}, {QMessageBox::Cancel, vbCancel}};
+        case vbYesNo: return {{QMessageBox::Yes, vbYes}, {QMessageBox::No, vbNo}};
+        case vbRetryCancel: return {{QMessageBox::Retry, vbRetry}, {QMessageBox::Cancel, vbCancel}};
+        default: return {{QMessageBox::Ok, vbOK}};
+    }
+}
+
+QMessageBox::Icon IconFor(int flags) {
+    switch (flags & 0x70) {
+        case vbCritical: return QMessageBox::Critical;
+        case vbQuestion: return QMessageBox::Question;
+        case vbExclamation: return QMessageBox::Warning;
+        case vbInformation: return QMessageBox::Information;
+        default: return QMessageBox::NoIcon;
+    }
+}
+
+// The box that closes with Escape or the title bar answers Cancel where there is one, else the
+// only button, as Windows does.
+int EscapeResult(const QList<ButtonChoice>& choices) {
+    for (const auto& choice : choices)
+        if (choice.result == vbCancel) return vbCancel;
+    return choices.size() == 1 ? choices.first().result : vbCancel;
+}
+
+}  // namespace
+
+void SetMsgBoxResponder(std::function<int(const MsgBoxCall&)> responder) {
+    msgBoxResponder = std::move(responder);
+}
+
+void SetInputBoxResponder(std::function<QString(const InputBoxCall&)> responder) {
+    inputBoxResponder = std::move(responder);
+}
+
+int MsgBox(const QString& prompt, int flags, const QString& title) {
+    const QString caption = title.isEmpty() ? App.Title : title;
+    if (msgBoxResponder) return msgBoxResponder({prompt, flags, caption});
+
+    QMessageBox box(IconFor(flags), caption, prompt, QMessageBox::NoButton,
+                    QApplication::activeWindow());
+    const QList<ButtonChoice> choices = ButtonsFor(flags);
+    const int defaultIndex = (flags & vbDefaultButton3) ? 2 : (flags & vbDefaultButton2) ? 1 : 0;
+    for (int i = 0; i < choices.size(); ++i) {
+        QPushButton* button = box.addButton(choices[i].button);
+        if (i == defaultIndex) box.setDefaultButton(button);
+    }
+    box.exec();
+    QAbstractButton* clicked = box.clickedButton();
+    if (!clicked) return EscapeResult(choices);
+    const auto standard = box.standardButton(clicked);
+    for (const auto& choice : choices)
+        if (choice.button == standard) return choice.result;
+    return EscapeResult(choices);
+}
+
+QString InputBox(const QString& prompt, const QString& title, const QString& defaultText) {
+    const QString caption = title.isEmpty() ? App.Title : title;
+    if (inputBoxResponder) return inputBoxResponder({prompt, caption, defaultText});
+
+    QInputDialog dialog(QApplication::activeWindow());
+    dialog.setWindowTitle(caption);
+    dialog.setLabelText(prompt);
+    dialog.setTextValue(defaultText);
+    if (dialog.exec() != QDialog::Accepted) return QString();
+    return dialog.textValue();
+}

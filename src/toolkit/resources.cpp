@@ -1,0 +1,5 @@
+#include "toolkit/resources.h"
+
+#include <QtGlobal>
+
+void InitResources() { Q_INIT_RESOURCE(assets); }

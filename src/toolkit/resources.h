@@ -1,0 +1,4 @@
+#pragma once
+
+// The icons, skins and pictures compiled into the program; called once before any window.
+void InitResources();

@@ -1,0 +1,28 @@
+#include "toolkit/vberror.h"
+
+#include "toolkit/vbruntime.h"
+
+VbError::VbError(int number, const QString& description, const QString& source)
+    : Number(number),
+      Description(description.isEmpty() ? StandardDescription(number) : description),
+      Source(source.isEmpty() ? ProgramFileName() : source),
+      whatText(QString("%1: %2").arg(number).arg(Description).toUtf8()) {}
+
+QString VbError::StandardDescription(int number) {
+    switch (number) {
+        case 5: return "Invalid procedure call or argument";
+        case 6: return "Overflow";
+        case 9: return "Subscript out of range";
+        case 11: return "Division by zero";
+        case 13: return "Type mismatch";
+        case 53: return "File not found";
+        case 75: return "Path/File access error";
+        case 76: return "Path not found";
+        case 380: return "Invalid property value";
+        default: return "Application-defined or object-defined error";
+    }
+}
+
+const char* VbError::what() const noexcept { return whatText.constData(); }
+
+QString ProgramFileName() { return App.EXEName; }

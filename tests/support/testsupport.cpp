@@ -1,0 +1,89 @@
+#include "support/testsupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <cstdlib>
+
+#include "store/catalogue.h"
+#include "toolkit/vbruntime.h"
+
+TempProgramFolder::TempProgramFolder() : previousAppPath_(App.Path) {
+    App.Path = dir_.path();
+}
+
+TempProgramFolder::~TempProgramFolder() {
+    closeCatalogue();
+    App.Path = previousAppPath_;
+}
+
+QString TempProgramFolder::path() const { return dir_.path(); }
+
+QString TempProgramFolder::file(const QString& name) const { return dir_.filePath(name); }
+
+void TempProgramFolder::installTemplate() {
+    QFile::remove(file("data.dll"));
+    QVERIFY2(QFile::copy(testsupport::TemplatePath(), file("data.dll")), "template not built");
+    QFile::setPermissions(file("data.dll"), QFile::ReadOwner | QFile::WriteOwner);
+}
+
+void TempProgramFolder::installCatalogue() {
+    installTemplate();
+    QFile::remove(file("data.gdb"));
+    QVERIFY(QFile::copy(file("data.dll"), file("data.gdb")));
+    QFile::setPermissions(file("data.gdb"), QFile::ReadOwner | QFile::WriteOwner);
+}
+
+void TempProgramFolder::openCatalogue() {
+    installCatalogue();
+    gDatabasePath = file("data.gdb");
+    gDatabasePassword = kDatabasePassword;
+    OpenCatalogue();
+}
+
+void TempProgramFolder::closeCatalogue() {
+    gRecordset.reset();
+    if (gDatabase) {
+        gDatabase->Close();
+        gDatabase.reset();
+    }
+}
+
+ScriptedDialogs::ScriptedDialogs() {
+    SetMsgBoxResponder([this](const MsgBoxCall& call) {
+        msgBoxes.append(call);
+        return msgBoxAnswers.isEmpty() ? defaultMsgBoxAnswer : msgBoxAnswers.dequeue();
+    });
+    SetInputBoxResponder([this](const InputBoxCall& call) {
+        inputs.append(call);
+        return inputAnswers.isEmpty() ? QString() : inputAnswers.dequeue();
+    });
+}
+
+ScriptedDialogs::~ScriptedDialogs() {
+    SetMsgBoxResponder({});
+    SetInputBoxResponder({});
+}
+
+QStringList ScriptedDialogs::prompts() const {
+    QStringList result;
+    for (const auto& call : msgBoxes) result << call.prompt;
+    return result;
+}
+
+namespace testsupport {
+
+void PrepareEnvironment() {
+    static QTemporaryDir home;
+    qputenv("HOME", home.path().toLocal8Bit());
+    qputenv("XDG_CONFIG_HOME", (home.path() + "/.config").toLocal8Bit());
+    qputenv("XDG_DATA_HOME", (home.path() + "/.local/share").toLocal8Bit());
+    qputenv("XDG_CACHE_HOME", (home.path() + "/.cache").toLocal8Bit());
+    qputenv("XDG_RUNTIME_DIR", home.path().toLocal8Bit());
+    QDir().mkpath(home.path() + "/.config");
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+QString TemplatePath() { return QStringLiteral(VELMORA_TEMPLATE_PATH); }
+QString HelpFolder() { return QStringLiteral(VELMORA_HELP_DIR); }
+
+}  // namespace testsupport

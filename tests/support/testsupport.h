@@ -1,0 +1,72 @@
+#pragma once
+
+// What every test needs: a temporary program folder with its own template and catalogue,
+// scripted answers for the program's boxes, and a main that keeps tests away from $HOME.
+
+#include <QApplication>
+#include <QList>
+#include <QQueue>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "toolkit/msgbox.h"
+#include "toolkit/resources.h"
+
+// A program folder of its own: App.Path points at it while the object lives.
+class TempProgramFolder {
+public:
+    TempProgramFolder();
+    ~TempProgramFolder();
+
+    QString path() const;
+    QString file(const QString& name) const;
+    // Copies the built template in as data.dll.
+    void installTemplate();
+    // Copies the template in as data.dll and as a usable data.gdb.
+    void installCatalogue();
+    // installCatalogue, then opens it into gDatabase with the program's password.
+    void openCatalogue();
+    // Closes gRecordset and gDatabase if open.
+    void closeCatalogue();
+
+private:
+    QTemporaryDir dir_;
+    QString previousAppPath_;
+};
+
+// Answers MsgBox and InputBox from queues and records every question asked.
+class ScriptedDialogs {
+public:
+    ScriptedDialogs();
+    ~ScriptedDialogs();
+
+    void answerMsgBox(int result) { msgBoxAnswers.enqueue(result); }
+    void answerInput(const QString& text) { inputAnswers.enqueue(text); }
+
+    QList<MsgBoxCall> msgBoxes;
+    QList<InputBoxCall> inputs;
+    QQueue<int> msgBoxAnswers;
+    QQueue<QString> inputAnswers;
+    // Used when the queue is empty; an unscripted box is recorded like any other.
+    int defaultMsgBoxAnswer = vbCancel;
+
+    QStringList prompts() const;
+};
+
+namespace testsupport {
+// Points HOME and the XDG folders at a private temporary folder and selects the offscreen
+// platform, before the application object exists.
+void PrepareEnvironment();
+QString TemplatePath();
+QString HelpFolder();
+}  // namespace testsupport
+
+#define VELMORA_TEST_MAIN(TestClass)                  \
+    int main(int argc, char** argv) {                 \
+        testsupport::PrepareEnvironment();            \
+        QApplication app(argc, argv);                 \
+        app.setAttribute(Qt::AA_Use96Dpi, true);      \
+        InitResources();                              \
+        TestClass test;                               \
+        return QTest::qExec(&test, argc, argv);       \
+    }
