@@ -4,8 +4,8 @@
 #include <QMainWindow>
 #include <QStatusBar>
 #include <QToolBar>
-#include <QTreeWidget>
 #include <QTreeView>
+#include <QTreeWidget>
 
 class SingleInstance;
 
@@ -13,7 +13,7 @@ class SingleInstance;
 // on top and the status bar below. It lives for the whole run and owns the open catalogue.
 class frmMain : public QMainWindow {
     Q_OBJECT
-public:
+  public:
     frmMain();
     ~frmMain() override;
 
@@ -24,12 +24,11 @@ public:
     void Unload();
     bool IsUnloaded() const { return unloaded_; }
 
-signals:
+  signals:
     // The exit work is done; the program ends.
     void Unloaded();
 
-public:
-
+  public:
     // The busy flag: 11 while working, 1 at rest; commands and closing test for 1.
     int MousePointer() const { return mousePointer_; }
     void SetMousePointer(int pointer);
@@ -84,12 +83,12 @@ public:
     bool treeKeyDown = true;
     bool updateInProgress = false;
 
-protected:
+  protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
 
-private:
+  private:
     void BuildWindow();
     void SetColours();
     bool FindPreviousInstance();

@@ -1,6 +1,16 @@
 #include <QApplication>
+#include <QDir>
+
+#include "shell/submain.h"
+#include "toolkit/resources.h"
+#include "toolkit/vbruntime.h"
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
-    return 0;
+    InitResources();
+    App.Path = QDir(QCoreApplication::applicationDirPath()).absolutePath();
+    QApplication::setApplicationName(App.Title);
+    // The main window hides itself while its exit work runs; that must not end the loop early.
+    QApplication::setQuitOnLastWindowClosed(false);
+    return SubMain();
 }

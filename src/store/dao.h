@@ -52,7 +52,7 @@ enum JetError {
 
 // One column of the current row. A light handle: it reads and writes through its recordset.
 class Field {
-public:
+  public:
     Field(Recordset* recordset, int index) : recordset_(recordset), index_(index) {}
 
     // The value of the current row; a Null reads as an invalid (isNull) QVariant.
@@ -66,13 +66,13 @@ public:
     QString Name() const;
     QString QualifiedName() const;
 
-private:
+  private:
     Recordset* recordset_;
     int index_;
 };
 
 class Recordset {
-public:
+  public:
     ~Recordset();
     Recordset(const Recordset&) = delete;
     Recordset& operator=(const Recordset&) = delete;
@@ -120,7 +120,7 @@ public:
     int Type() const;
     void Close();
 
-private:
+  private:
     friend class Database;
     friend class Field;
     Recordset();
@@ -128,7 +128,7 @@ private:
 };
 
 class Database {
-public:
+  public:
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -146,14 +146,14 @@ public:
     // The SQLite connection, for the benchmark and for tests that inspect the file.
     sqlite3* Handle() const;
 
-private:
+  private:
     friend class DBEngine;
     Database();
     std::shared_ptr<dao_detail::Connection> connection_;
 };
 
 class DBEngine {
-public:
+  public:
     // connect is ";pwd=" and the password. The file is held exclusively while open.
     static std::unique_ptr<Database> OpenDatabase(const QString& path, bool exclusive = false,
                                                   bool readOnly = false,

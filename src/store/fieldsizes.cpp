@@ -13,7 +13,9 @@ int gLenTrackName = 0;
 
 namespace {
 // The globals hold one byte each, as the catalogue's widths never exceed 255.
-int ByteSized(int size) { return size & 0xFF; }
+int ByteSized(int size) {
+    return size & 0xFF;
+}
 }  // namespace
 
 void ReadFieldSizes() {

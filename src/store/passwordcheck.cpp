@@ -40,7 +40,8 @@ void Write(sqlite3* db, const QString& password) {
     sqlite3_stmt* statement = nullptr;
     sqlite3_prepare_v2(db, "INSERT INTO catalogue_password (salt, digest) VALUES (?, ?)", -1,
                        &statement, nullptr);
-    sqlite3_bind_blob(statement, 1, salt.constData(), static_cast<int>(salt.size()), SQLITE_TRANSIENT);
+    sqlite3_bind_blob(statement, 1, salt.constData(), static_cast<int>(salt.size()),
+                      SQLITE_TRANSIENT);
     sqlite3_bind_blob(statement, 2, digest.constData(), static_cast<int>(digest.size()),
                       SQLITE_TRANSIENT);
     sqlite3_step(statement);
@@ -67,9 +68,9 @@ bool Matches(sqlite3* db, const QString& password) {
 
 QString FromConnectString(const QString& connect) {
     // The password runs to the end of the string: it may itself hold ';' or '='.
-    static const QRegularExpression pattern(";pwd?=(.*)$",
-                                            QRegularExpression::CaseInsensitiveOption |
-                                                QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression pattern(
+        ";pwd?=(.*)$",
+        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
     const auto match = pattern.match(connect);
     return match.hasMatch() ? match.captured(1) : QString();
 }

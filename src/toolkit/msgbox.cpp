@@ -19,26 +19,37 @@ struct ButtonChoice {
 
 QList<ButtonChoice> ButtonsFor(int flags) {
     switch (flags & 7) {
-        case vbOKCancel: return {{QMessageBox::Ok, vbOK}, {QMessageBox::Cancel, vbCancel}};
+        case vbOKCancel:
+            return {{QMessageBox::Ok, vbOK}, {QMessageBox::Cancel, vbCancel}};
         case vbAbortRetryIgnore:
             return {{QMessageBox::Abort, vbAbort},
                     {QMessageBox::Retry, vbRetry},
                     {QMessageBox::Ignore, vbIgnore}};
         case vbYesNoCancel:
-            return {{QMessageBox::Yes, vbYes}, {QMessageBox::No, vbNo}, {QMessageBox::Cancel, vbCancel}};
-        case vbYesNo: return {{QMessageBox::Yes, vbYes}, {QMessageBox::No, vbNo}};
-        case vbRetryCancel: return {{QMessageBox::Retry, vbRetry}, {QMessageBox::Cancel, vbCancel}};
-        default: return {{QMessageBox::Ok, vbOK}};
+            return {{QMessageBox::Yes, vbYes},
+                    {QMessageBox::No, vbNo},
+                    {QMessageBox::Cancel, vbCancel}};
+        case vbYesNo:
+            return {{QMessageBox::Yes, vbYes}, {QMessageBox::No, vbNo}};
+        case vbRetryCancel:
+            return {{QMessageBox::Retry, vbRetry}, {QMessageBox::Cancel, vbCancel}};
+        default:
+            return {{QMessageBox::Ok, vbOK}};
     }
 }
 
 QMessageBox::Icon IconFor(int flags) {
     switch (flags & 0x70) {
-        case vbCritical: return QMessageBox::Critical;
-        case vbQuestion: return QMessageBox::Question;
-        case vbExclamation: return QMessageBox::Warning;
-        case vbInformation: return QMessageBox::Information;
-        default: return QMessageBox::NoIcon;
+        case vbCritical:
+            return QMessageBox::Critical;
+        case vbQuestion:
+            return QMessageBox::Question;
+        case vbExclamation:
+            return QMessageBox::Warning;
+        case vbInformation:
+            return QMessageBox::Information;
+        default:
+            return QMessageBox::NoIcon;
     }
 }
 

@@ -19,7 +19,15 @@ enum MsgBoxFlags {
     vbDefaultButton3 = 512,
 };
 
-enum MsgBoxResult { vbOK = 1, vbCancel = 2, vbAbort = 3, vbRetry = 4, vbIgnore = 5, vbYes = 6, vbNo = 7 };
+enum MsgBoxResult {
+    vbOK = 1,
+    vbCancel = 2,
+    vbAbort = 3,
+    vbRetry = 4,
+    vbIgnore = 5,
+    vbYes = 6,
+    vbNo = 7
+};
 
 // The only ways the program asks the user something. The title defaults to the application title.
 int MsgBox(const QString& prompt, int flags = vbOKOnly, const QString& title = QString());

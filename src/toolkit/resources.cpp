@@ -2,4 +2,6 @@
 
 #include <QtGlobal>
 
-void InitResources() { Q_INIT_RESOURCE(assets); }
+void InitResources() {
+    Q_INIT_RESOURCE(assets);
+}

@@ -10,19 +10,33 @@ VbError::VbError(int number, const QString& description, const QString& source)
 
 QString VbError::StandardDescription(int number) {
     switch (number) {
-        case 5: return "Invalid procedure call or argument";
-        case 6: return "Overflow";
-        case 9: return "Subscript out of range";
-        case 11: return "Division by zero";
-        case 13: return "Type mismatch";
-        case 53: return "File not found";
-        case 75: return "Path/File access error";
-        case 76: return "Path not found";
-        case 380: return "Invalid property value";
-        default: return "Application-defined or object-defined error";
+        case 5:
+            return "Invalid procedure call or argument";
+        case 6:
+            return "Overflow";
+        case 9:
+            return "Subscript out of range";
+        case 11:
+            return "Division by zero";
+        case 13:
+            return "Type mismatch";
+        case 53:
+            return "File not found";
+        case 75:
+            return "Path/File access error";
+        case 76:
+            return "Path not found";
+        case 380:
+            return "Invalid property value";
+        default:
+            return "Application-defined or object-defined error";
     }
 }
 
-const char* VbError::what() const noexcept { return whatText.constData(); }
+const char* VbError::what() const noexcept {
+    return whatText.constData();
+}
 
-QString ProgramFileName() { return App.EXEName; }
+QString ProgramFileName() {
+    return App.EXEName;
+}

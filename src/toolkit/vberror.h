@@ -6,7 +6,7 @@
 // The program's error object. A routine that can fail throws it; the trap at the routine's end
 // catches it and shows Description (or Number, ": " and Description) in a box.
 class VbError : public std::exception {
-public:
+  public:
     explicit VbError(int number, const QString& description = QString(),
                      const QString& source = QString());
 
@@ -18,7 +18,7 @@ public:
     static QString StandardDescription(int number);
     const char* what() const noexcept override;
 
-private:
+  private:
     QByteArray whatText;
 };
 

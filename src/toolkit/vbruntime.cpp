@@ -13,7 +13,9 @@ const QString kMakerWebAddress = "http://www.dorviksoftware.example";
 const QString kMakerEmail = "support@dorviksoftware.example";
 QString gUpdateServer = "http://updates.dorviksoftware.example";
 
-void DoEvents() { QCoreApplication::processEvents(); }
+void DoEvents() {
+    QCoreApplication::processEvents();
+}
 
 QString AddBackslash(const QString& folder) {
     QString path = folder;
@@ -22,7 +24,9 @@ QString AddBackslash(const QString& folder) {
     return path;
 }
 
-qint64 RoundToEven(double value) { return static_cast<qint64>(std::nearbyint(value)); }
+qint64 RoundToEven(double value) {
+    return static_cast<qint64>(std::nearbyint(value));
+}
 
 int CInt(double value) {
     const qint64 rounded = RoundToEven(value);
@@ -52,7 +56,8 @@ QString Format(double value, const QString& pattern) {
     const double scale = std::pow(10.0, decimals);
     const double rounded = std::round(std::fabs(value) * scale) / scale;
     QString text = QString::number(rounded, 'f', decimals);
-    const int digitsBeforePoint = decimals ? static_cast<int>(text.indexOf('.')) : static_cast<int>(text.size());
+    const int digitsBeforePoint =
+        decimals ? static_cast<int>(text.indexOf('.')) : static_cast<int>(text.size());
     if (digitsBeforePoint < minimumDigits)
         text.prepend(QString(minimumDigits - digitsBeforePoint, '0'));
     else if (minimumDigits == 0 && text.startsWith('0') && digitsBeforePoint == 1)
@@ -62,9 +67,19 @@ QString Format(double value, const QString& pattern) {
     return text;
 }
 
-QString ShortDate(const QDate& date) { return QLocale::system().toString(date, QLocale::ShortFormat); }
-QString LongDate(const QDate& date) { return QLocale::system().toString(date, QLocale::LongFormat); }
-QString ShortTime(const QTime& time) { return QLocale::system().toString(time, QLocale::ShortFormat); }
-QString LongTime(const QTime& time) { return QLocale::system().toString(time, QLocale::LongFormat); }
+QString ShortDate(const QDate& date) {
+    return QLocale::system().toString(date, QLocale::ShortFormat);
+}
+QString LongDate(const QDate& date) {
+    return QLocale::system().toString(date, QLocale::LongFormat);
+}
+QString ShortTime(const QTime& time) {
+    return QLocale::system().toString(time, QLocale::ShortFormat);
+}
+QString LongTime(const QTime& time) {
+    return QLocale::system().toString(time, QLocale::LongFormat);
+}
 
-QString NzText(const QVariant& value) { return value.isNull() ? QString() : value.toString(); }
+QString NzText(const QVariant& value) {
+    return value.isNull() ? QString() : value.toString();
+}

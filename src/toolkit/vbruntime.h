@@ -51,6 +51,8 @@ QString ShortTime(const QTime& time);
 QString LongTime(const QTime& time);
 
 // Null-aware reading of a field value, as the program tests for Null.
-inline bool IsNull(const QVariant& value) { return value.isNull(); }
+inline bool IsNull(const QVariant& value) {
+    return value.isNull();
+}
 // "" & value: a Null reads as the empty string.
 QString NzText(const QVariant& value);

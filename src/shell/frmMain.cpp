@@ -1,0 +1,210 @@
+#include "shell/frmMain.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QScreen>
+
+#include "shell/frmSplash.h"
+#include "shell/mGlobals.h"
+#include "shell/singleinstance.h"
+#include "store/catalogue.h"
+#include "store/fieldsizes.h"
+#include "store/guardedfile.h"
+#include "toolkit/msgbox.h"
+#include "toolkit/vbruntime.h"
+
+frmMain* gMainForm = nullptr;
+
+namespace {
+// The list's and the tree's pale cream background.
+const QColor kViewBackground(0xFE, 0xF8, 0xE0);
+const int kTwipsPerPixel = 15;
+}  // namespace
+
+frmMain::frmMain()
+    : Toolbar1(new QToolBar(this)),
+      TV1(new QTreeWidget(this)),
+      ListView1(new QTreeView(this)),
+      Frame1(new QFrame(this)),
+      StatusBar1(new QStatusBar(this)) {
+    BuildWindow();
+}
+
+frmMain::~frmMain() {
+    if (gMainForm == this) gMainForm = nullptr;
+}
+
+void frmMain::BuildWindow() {
+    setWindowTitle(App.Title);
+    resize(820, 560);
+
+    Toolbar1->setObjectName("Toolbar1");
+    Toolbar1->setMovable(false);
+    addToolBar(Toolbar1);
+
+    TV1->setObjectName("TV1");
+    TV1->setHeaderHidden(true);
+    ListView1->setObjectName("ListView1");
+    ListView1->setRootIsDecorated(false);
+    Frame1->setObjectName("Frame1");
+    Frame1->setFrameShape(QFrame::NoFrame);
+    Frame1->setFixedWidth(4);
+    Frame1->setCursor(Qt::SplitHCursor);
+
+    auto* central = new QWidget(this);
+    auto* layout = new QHBoxLayout(central);
+    layout->setContentsMargins(2, 2, 2, 2);
+    layout->setSpacing(0);
+    layout->addWidget(TV1, 1);
+    layout->addWidget(Frame1);
+    layout->addWidget(ListView1, 3);
+    setCentralWidget(central);
+
+    StatusBar1->setObjectName("StatusBar1");
+    setStatusBar(StatusBar1);
+    for (int panel = 1; panel <= 3; ++panel) {
+        auto* label = new QLabel(StatusBar1);
+        label->setFrameShape(QFrame::StyledPanel);
+        label->setFrameShadow(QFrame::Sunken);
+        StatusBar1->addPermanentWidget(label, panel == 1 ? 3 : 1);
+        panels_.append(label);
+    }
+    SetPanelText(3, "Record");
+}
+
+void frmMain::SetMousePointer(int pointer) {
+    mousePointer_ = pointer;
+    if (pointer == vbHourglass)
+        setCursor(Qt::WaitCursor);
+    else
+        unsetCursor();
+}
+
+QString frmMain::PanelText(int panel) const {
+    return panels_.value(panel - 1)->text();
+}
+
+void frmMain::SetPanelText(int panel, const QString& text) {
+    if (QLabel* label = panels_.value(panel - 1)) label->setText(text);
+}
+
+void frmMain::FlipDatabaseHeader(const QString& path, int mode) {
+    ::FlipDatabaseHeader(path, mode);
+}
+
+void frmMain::SetSplashStatus(const QString& text) {
+    if (gSplashForm) gSplashForm->SetStatus(text);
+    DoEvents();
+}
+
+void frmMain::HideSplash() {
+    if (gSplashForm) gSplashForm->hide();
+}
+
+void frmMain::UnloadSplash() {
+    if (gSplashForm) gSplashForm->Unload();
+}
+
+void frmMain::SetColours() {
+    for (QAbstractItemView* view : std::initializer_list<QAbstractItemView*>{TV1, ListView1}) {
+        QPalette palette = view->palette();
+        palette.setColor(QPalette::Base, kViewBackground);
+        view->setPalette(palette);
+    }
+}
+
+void frmMain::Form_Load() {
+    loading_ = true;
+    updateInProgress = false;
+    bReadRecordsNow = true;
+    gTreeDirty = false;
+    gListDirty = false;
+
+    App.HelpFile = AddBackslash(App.Path) + "velmora.html";
+    SetColours();
+
+    gSecondInstance = false;
+    if (FindPreviousInstance()) return;
+
+    SetSplashStatus("Initializing popup-menus");
+
+    SetSplashStatus("Initializing button-bar");
+
+    if (!OpenDatabaseStage1()) return;
+    if (!OpenDatabaseStage2()) return;
+
+    gAddingTitle = false;
+    gModifyingTitle = false;
+    lastTreeButton = 1;
+    listKeyDown = false;
+    treeKeyDown = true;
+    gItemCountText = "00000 item(s) found";
+
+    SetSplashStatus("Setting up treeview");
+
+    SetSplashStatus("Reading CD-titles");
+    try {
+        ReadFieldSizes();
+    } catch (const VbError& error) {
+        loading_ = false;
+        MsgBox(error.Description);
+        Unload();
+        return;
+    }
+
+    loading_ = false;
+    show();
+    if (gSplashForm) {
+        gSplashForm->SetStatus("Brings you only the best");
+        gSplashForm->raise();
+        gSplashForm->Timer->start();
+    }
+}
+
+bool frmMain::FindPreviousInstance() {
+    instance_ = new SingleInstance(App.Path, this);
+    if (!instance_->AskPreviousInstanceToRaise()) {
+        instance_->Listen([this] { RaiseFromOtherInstance(); });
+        return false;
+    }
+    gSecondInstance = true;
+    App.Title = "Looking for other instance of Velmora";
+    setWindowTitle(App.Title);
+    Unload();
+    return true;
+}
+
+void frmMain::RaiseFromOtherInstance() {
+    if (isMinimized()) showNormal();
+    show();
+    raise();
+    activateWindow();
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    Form_Resize();
+}
+
+void frmMain::moveEvent(QMoveEvent* event) {
+    QMainWindow::moveEvent(event);
+    Form_Resize();
+}
+
+void frmMain::Form_Resize() {
+    if (isMinimized() || unloaded_ || !isVisible()) return;
+    // The limits are the window's outer measure in twips, as the design gives them.
+    const QRect outer = frameGeometry();
+    const int screenHeightTwips =
+        QGuiApplication::primaryScreen()->geometry().height() * kTwipsPerPixel;
+    const int maximumTop = 90 * screenHeightTwips / 100;
+    if (outer.top() * kTwipsPerPixel > maximumTop) move(x(), maximumTop / kTwipsPerPixel);
+    const int frameExtraHeight = outer.height() - height();
+    const int frameExtraWidth = outer.width() - width();
+    const int minimumOuterHeight = (490 + kTwipsPerPixel - 1) / kTwipsPerPixel;
+    const int minimumOuterWidth = (115 + kTwipsPerPixel - 1) / kTwipsPerPixel;
+    if (outer.height() < minimumOuterHeight) resize(width(), minimumOuterHeight - frameExtraHeight);
+    if (outer.width() < minimumOuterWidth) resize(minimumOuterWidth - frameExtraWidth, height());
+}

@@ -1,0 +1,65 @@
+// The closing rule and the exit: the catalogue is closed, guarded again, and the values the
+// update program reads are written.
+
+#include <QCloseEvent>
+
+#include "shell/frmMain.h"
+#include "shell/frmSplash.h"
+#include "shell/mGlobals.h"
+#include "store/catalogue.h"
+#include "store/guardedfile.h"
+#include "toolkit/vbruntime.h"
+
+void frmMain::Unload() {
+    if (unloaded_) return;
+    // A close asked for during the start-up (another instance, a catalogue that cannot be
+    // opened) must end the program, so the busy test applies only once the window is up.
+    if (!loading_ && !Form_QueryUnload()) return;
+    Form_Unload();
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    if (unloaded_) {
+        event->accept();
+        return;
+    }
+    if (!Form_QueryUnload()) {
+        event->ignore();
+        return;
+    }
+    Form_Unload();
+    event->accept();
+}
+
+bool frmMain::Form_QueryUnload() {
+    return MousePointer() == vbArrow;
+}
+
+void frmMain::Form_Unload() {
+    unloaded_ = true;
+    if (windowState() == Qt::WindowNoState) move(-width(), -height());
+    hide();
+
+    gRecordset.reset();
+    if (gDatabase) {
+        gDatabase->Close();
+        gDatabase.reset();
+    }
+
+    if (!gSecondInstance) {
+        try {
+            if (FileExists(gDatabasePath) && GetAttr(gDatabasePath) != vbArchive)
+                SetAttr(gDatabasePath, vbArchive);
+        } catch (const VbError&) {
+        }
+        try {
+            if (FileExists(gDatabasePath)) FlipDatabaseHeader(gDatabasePath, kGuardHeader);
+        } catch (const VbError&) {
+        }
+    }
+
+    if (gSplashForm) gSplashForm->Unload();
+    gMainForm = nullptr;
+    emit Unloaded();
+    deleteLater();
+}

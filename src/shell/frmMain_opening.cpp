@@ -1,0 +1,89 @@
+// Turning the guarded catalogue file into the open database, installing it from the template
+// when it is missing.
+
+#include "shell/frmMain.h"
+#include "shell/frmSplash.h"
+#include "store/catalogue.h"
+#include "store/guardedfile.h"
+#include "toolkit/msgbox.h"
+#include "toolkit/vbruntime.h"
+
+namespace {
+
+void AskToMakeAccessible(const QString& path) {
+    const int answer = MsgBox(
+        "Velmora cannot access the database in its current state. Do you want Velmora to make it "
+        "accessible?",
+        vbYesNoCancel | vbQuestion, "Unable to access database");
+    if (answer == vbYes) SetAttr(path, vbArchive);
+}
+
+}  // namespace
+
+bool frmMain::OpenDatabaseStage1() {
+    try {
+        gDatabasePath = AddBackslash(App.Path) + "data.gdb";
+        const QString templatePath = AddBackslash(App.Path) + "data.dll";
+
+        if (!FileExists(gDatabasePath)) {
+            SetSplashStatus("Initializing database");
+            if (!FileExists(templatePath))
+                throw VbError(1309, "Database could not be installed, because the file " +
+                                        templatePath + " is missing.");
+            QFile::copy(templatePath, gDatabasePath);
+            if (!FileExists(gDatabasePath))
+                throw VbError(1310,
+                              "The database could not be installed. Please make sure you have all "
+                              "privilleges to install files and that the media is not read-only.");
+            SetAttr(gDatabasePath, vbArchive);
+        }
+
+        const int attributes = FileExists(gDatabasePath) ? GetAttr(gDatabasePath) : 0;
+        if ((attributes & vbHidden) || (attributes & vbReadOnly)) {
+            HideSplash();
+            show();
+            AskToMakeAccessible(gDatabasePath);
+        }
+
+        if (!FileExists(gDatabasePath))
+            throw VbError(
+                1312, "Unable to initialize the database. File " + gDatabasePath + " not found.");
+        const int finalAttributes = GetAttr(gDatabasePath);
+        if (finalAttributes & vbReadOnly)
+            throw VbError(
+                1313, "Unable to open the database " + gDatabasePath + " since it is read-only.");
+        if (finalAttributes & vbHidden)
+            throw VbError(1313,
+                          "Unable to open the database " + gDatabasePath + " since it is hidden.");
+        return true;
+    } catch (const VbError& error) {
+        HideSplash();
+        MsgBox(error.Description, vbCritical, "Unable to initialize Velmora Database.");
+        UnloadSplash();
+        Unload();
+        return false;
+    }
+}
+
+bool frmMain::OpenDatabaseStage2() {
+    try {
+        SetSplashStatus("Connecting to database");
+        if (GetAttr(gDatabasePath) != vbArchive) SetAttr(gDatabasePath, vbArchive);
+        if (FileExists(gDatabasePath)) FlipDatabaseHeader(gDatabasePath, kUnguardHeader);
+        SetSplashStatus("Opening database");
+        gDatabasePassword = kDatabasePassword;
+        OpenCatalogue();
+        return true;
+    } catch (const VbError& error) {
+        HideSplash();
+        MsgBox(error.Description);
+        MsgBox("Unable to load Velmora!. The database " + gDatabasePath +
+                   " might be inappropriate for this version or is corrupted.\nPlease see the "
+                   "support-section on " +
+                   kMakerWebAddress + " for troubleshooting.",
+               vbCritical);
+        UnloadSplash();
+        Unload();
+        return false;
+    }
+}
