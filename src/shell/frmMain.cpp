@@ -12,6 +12,7 @@
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
 #include "store/guardedfile.h"
+#include "toolkit/imagelists.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
 
@@ -38,6 +39,7 @@ frmMain::~frmMain() {
 
 void frmMain::BuildWindow() {
     setWindowTitle(App.Title);
+    setWindowIcon(AppIcon());
     resize(820, 560);
 
     Toolbar1->setObjectName("Toolbar1");

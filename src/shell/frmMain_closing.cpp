@@ -6,9 +6,25 @@
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobals.h"
+#include "shell/singleinstance.h"
 #include "store/catalogue.h"
 #include "store/guardedfile.h"
+#include "toolkit/mRegistry.h"
 #include "toolkit/vbruntime.h"
+
+namespace {
+
+void WriteUpdateProgramValues() {
+    const QString key = "HKEY_LOCAL_MACHINE\\Software\\" + kMakerName + "\\" + App.Title;
+    RegistryHandle handle = 0;
+    CreateRegistryKey(handle, key);
+    SetRegistryValue(handle, "AppPath", App.Path, REG_SZ);
+    SetRegistryValue(handle, "CurrentVersionMajor", QString::number(App.Major), REG_SZ);
+    SetRegistryValue(handle, "CurrentVersionMinor", QString::number(App.Minor), REG_SZ);
+    SetRegistryValue(handle, "CurrentVersionRevision", QString::number(App.Revision), REG_SZ);
+}
+
+}  // namespace
 
 void frmMain::Unload() {
     if (unloaded_) return;
@@ -37,6 +53,9 @@ bool frmMain::Form_QueryUnload() {
 
 void frmMain::Form_Unload() {
     unloaded_ = true;
+    // A start right after this exit must not find this window as its previous instance.
+    delete instance_;
+    instance_ = nullptr;
     if (windowState() == Qt::WindowNoState) move(-width(), -height());
     hide();
 
@@ -56,6 +75,7 @@ void frmMain::Form_Unload() {
             if (FileExists(gDatabasePath)) FlipDatabaseHeader(gDatabasePath, kGuardHeader);
         } catch (const VbError&) {
         }
+        WriteUpdateProgramValues();
     }
 
     if (gSplashForm) gSplashForm->Unload();

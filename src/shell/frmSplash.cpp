@@ -5,6 +5,7 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+#include "toolkit/imagelists.h"
 #include "toolkit/vbruntime.h"
 
 frmSplash* gSplashForm = nullptr;
@@ -24,6 +25,12 @@ frmSplash::frmSplash()
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(App.Title);
     setFixedSize(kSplashSize);
+
+    auto* background = new QLabel(this);
+    background->setPixmap(
+        SplashPicture().scaled(kSplashSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    background->setGeometry(rect());
+    background->lower();
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(16, 12, 16, 10);

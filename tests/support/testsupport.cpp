@@ -16,9 +16,13 @@ TempProgramFolder::~TempProgramFolder() {
     App.Path = previousAppPath_;
 }
 
-QString TempProgramFolder::path() const { return dir_.path(); }
+QString TempProgramFolder::path() const {
+    return dir_.path();
+}
 
-QString TempProgramFolder::file(const QString& name) const { return dir_.filePath(name); }
+QString TempProgramFolder::file(const QString& name) const {
+    return dir_.filePath(name);
+}
 
 void TempProgramFolder::installTemplate() {
     QFile::remove(file("data.dll"));
@@ -83,7 +87,11 @@ void PrepareEnvironment() {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
-QString TemplatePath() { return QStringLiteral(VELMORA_TEMPLATE_PATH); }
-QString HelpFolder() { return QStringLiteral(VELMORA_HELP_DIR); }
+QString TemplatePath() {
+    return QStringLiteral(VELMORA_TEMPLATE_PATH);
+}
+QString HelpFolder() {
+    return QStringLiteral(VELMORA_HELP_DIR);
+}
 
 }  // namespace testsupport

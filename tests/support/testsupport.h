@@ -14,7 +14,7 @@
 
 // A program folder of its own: App.Path points at it while the object lives.
 class TempProgramFolder {
-public:
+  public:
     TempProgramFolder();
     ~TempProgramFolder();
 
@@ -29,14 +29,14 @@ public:
     // Closes gRecordset and gDatabase if open.
     void closeCatalogue();
 
-private:
+  private:
     QTemporaryDir dir_;
     QString previousAppPath_;
 };
 
 // Answers MsgBox and InputBox from queues and records every question asked.
 class ScriptedDialogs {
-public:
+  public:
     ScriptedDialogs();
     ~ScriptedDialogs();
 
@@ -61,12 +61,12 @@ QString TemplatePath();
 QString HelpFolder();
 }  // namespace testsupport
 
-#define VELMORA_TEST_MAIN(TestClass)                  \
-    int main(int argc, char** argv) {                 \
-        testsupport::PrepareEnvironment();            \
-        QApplication app(argc, argv);                 \
-        app.setAttribute(Qt::AA_Use96Dpi, true);      \
-        InitResources();                              \
-        TestClass test;                               \
-        return QTest::qExec(&test, argc, argv);       \
+#define VELMORA_TEST_MAIN(TestClass)             \
+    int main(int argc, char** argv) {            \
+        testsupport::PrepareEnvironment();       \
+        QApplication app(argc, argv);            \
+        app.setAttribute(Qt::AA_Use96Dpi, true); \
+        InitResources();                         \
+        TestClass test;                          \
+        return QTest::qExec(&test, argc, argv);  \
     }

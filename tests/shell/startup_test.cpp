@@ -1,0 +1,205 @@
+// A real start and exit of the program in a temporary program folder.
+
+#include <sqlite3.h>
+
+#include <QFile>
+#include <QScreen>
+
+#include "shell/frmMain.h"
+#include "shell/frmSplash.h"
+#include "shell/mGlobals.h"
+#include "store/catalogue.h"
+#include "store/guardedfile.h"
+#include "store/passwordcheck.h"
+#include "support/testsupport.h"
+#include "toolkit/mRegistry.h"
+#include "toolkit/vbruntime.h"
+
+namespace {
+
+frmMain* StartProgram() {
+    gSplashForm = new frmSplash();
+    gSplashForm->show();
+    auto* window = new frmMain();
+    gMainForm = window;
+    window->Form_Load();
+    return gMainForm;
+}
+
+void EndProgram() {
+    if (gMainForm) {
+        gMainForm->SetMousePointer(vbArrow);
+        gMainForm->Unload();
+    }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+QByteArray Head(const QString& path, int length = 100) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    return file.read(length);
+}
+
+}  // namespace
+
+class StartupTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void cleanup() {
+        EndProgram();
+        gSecondInstance = false;
+    }
+
+    void installsMissingCatalogueAndGuardsItAtExit() {
+        TempProgramFolder folder;
+        folder.installTemplate();
+        ScriptedDialogs dialogs;
+
+        frmMain* window = StartProgram();
+        QVERIFY(window);
+        QVERIFY(gDatabase);
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+        QCOMPARE(gDatabasePath, folder.file("data.gdb"));
+        QCOMPARE(GetAttr(gDatabasePath), int(vbArchive));
+        QVERIFY(window->isVisible());
+        QCOMPARE(gSplashForm->Status(), QString("Brings you only the best"));
+        QVERIFY(gSplashForm->Timer->isActive());
+
+        const QByteArray running = Head(gDatabasePath);
+        QVERIFY(running.startsWith("SQLite format 3"));
+        EndProgram();
+
+        QVERIFY(!gDatabase);
+        const QByteArray closed = Head(folder.file("data.gdb"));
+        QCOMPARE(closed.size(), 100);
+        QCOMPARE(closed.at(14), char(0x46));
+        for (int offset = 0; offset < 100; ++offset)
+            if (offset != 14) QCOMPARE(closed.at(offset), running.at(offset));
+
+        const QString key = "HKEY_LOCAL_MACHINE\\Software\\Dorvik Software\\Velmora";
+        QCOMPARE(GetRegistryValue(key, "AppPath"), App.Path);
+        QCOMPARE(GetRegistryValue(key, "CurrentVersionMajor"), QString::number(App.Major));
+
+        // The guarded file opens again at the next start, and a crash-left usable file too.
+        QVERIFY(StartProgram());
+        QVERIFY(gDatabase);
+        gDatabase->Close();
+        gDatabase.reset();
+        FlipDatabaseHeader(folder.file("data.gdb"), kUnguardHeader);
+        gMainForm->SetMousePointer(vbArrow);
+        gMainForm->Unload();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        FlipDatabaseHeader(folder.file("data.gdb"), kUnguardHeader);
+        QVERIFY(StartProgram());
+        QVERIFY(gDatabase);
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+    }
+
+    void missingTemplateEndsWithTheInstallBox() {
+        TempProgramFolder folder;
+        ScriptedDialogs dialogs;
+
+        QVERIFY(!StartProgram());
+        QVERIFY(!gDatabase);
+        QCOMPARE(dialogs.msgBoxes.size(), 1);
+        QCOMPARE(dialogs.msgBoxes[0].prompt, "Database could not be installed, because the file " +
+                                                 folder.file("data.dll") + " is missing.");
+        QCOMPARE(dialogs.msgBoxes[0].title, QString("Unable to initialize Velmora Database."));
+        QCOMPARE(dialogs.msgBoxes[0].flags, int(vbCritical));
+        QVERIFY(!QFile::exists(folder.file("data.gdb")));
+    }
+
+    void readOnlyCatalogueAsksOnce() {
+        TempProgramFolder folder;
+        folder.installCatalogue();
+        const QString path = folder.file("data.gdb");
+
+        {
+            SetAttr(path, vbReadOnly);
+            ScriptedDialogs dialogs;
+            dialogs.answerMsgBox(vbNo);
+            QVERIFY(!StartProgram());
+            QCOMPARE(dialogs.msgBoxes.size(), 2);
+            QCOMPARE(dialogs.msgBoxes[0].title, QString("Unable to access database"));
+            QCOMPARE(dialogs.msgBoxes[0].flags, 35);
+            QCOMPARE(dialogs.msgBoxes[1].prompt,
+                     "Unable to open the database " + path + " since it is read-only.");
+            QCOMPARE(dialogs.msgBoxes[1].flags, int(vbCritical));
+        }
+        {
+            SetAttr(path, vbReadOnly);
+            ScriptedDialogs dialogs;
+            dialogs.answerMsgBox(vbYes);
+            QVERIFY(StartProgram());
+            QCOMPARE(dialogs.msgBoxes.size(), 1);
+            QVERIFY(gDatabase);
+            QCOMPARE(GetAttr(path), int(vbArchive));
+        }
+    }
+
+    void wrongPasswordShowsBothBoxesAndEnds() {
+        TempProgramFolder folder;
+        folder.installCatalogue();
+        sqlite3* db = nullptr;
+        QCOMPARE(sqlite3_open(folder.file("data.gdb").toUtf8().constData(), &db), SQLITE_OK);
+        passwordcheck::Write(db, "someone else's password");
+        sqlite3_close(db);
+
+        ScriptedDialogs dialogs;
+        QVERIFY(!StartProgram());
+        QVERIFY(!gDatabase);
+        QVERIFY(dialogs.msgBoxes.size() >= 2);
+        QCOMPARE(dialogs.msgBoxes[0].prompt, QString("Not a valid password."));
+        QCOMPARE(dialogs.msgBoxes[0].flags, 0);
+        QVERIFY(dialogs.msgBoxes[1].prompt.startsWith("Unable to load Velmora!. The database " +
+                                                      folder.file("data.gdb")));
+        QCOMPARE(dialogs.msgBoxes[1].flags, int(vbCritical));
+        // The run still ends through the exit, which guards the file again.
+        QCOMPARE(Head(folder.file("data.gdb")).at(14), char(0x46));
+    }
+
+    void secondInstanceRaisesTheFirstAndLeavesTheFileAlone() {
+        TempProgramFolder folder;
+        folder.installTemplate();
+        ScriptedDialogs dialogs;
+
+        frmMain* first = StartProgram();
+        QVERIFY(first);
+        first->showMinimized();
+        const QByteArray running = Head(folder.file("data.gdb"));
+
+        auto* second = new frmMain();
+        gMainForm = second;
+        second->Form_Load();
+        QVERIFY(gSecondInstance);
+        QVERIFY(second->IsUnloaded());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(Head(folder.file("data.gdb")), running);
+        QTRY_VERIFY(!first->isMinimized());
+
+        gSecondInstance = false;
+        gMainForm = first;
+    }
+
+    void busyWindowRefusesToCloseAndKeepsItsLimits() {
+        TempProgramFolder folder;
+        folder.installTemplate();
+        ScriptedDialogs dialogs;
+        frmMain* window = StartProgram();
+        QVERIFY(window);
+
+        window->SetMousePointer(vbHourglass);
+        QVERIFY(!window->close());
+        QVERIFY(!window->IsUnloaded());
+        window->SetMousePointer(vbArrow);
+
+        const int screenHeight = window->screen()->geometry().height();
+        window->move(window->x(), screenHeight * 95 / 100);
+        QTRY_VERIFY(window->frameGeometry().top() <= screenHeight * 90 / 100);
+        window->resize(window->width(), 10);
+        QTRY_VERIFY(window->frameGeometry().height() * 15 >= 490);
+    }
+};
+
+VELMORA_TEST_MAIN(StartupTest)
+#include "startup_test.moc"
