@@ -74,7 +74,8 @@ Database::~Database() {
 void Database::Execute(const QString& sql, int) {
     if (!IsOpen()) Raise(3420);
     sqlite3_stmt* statement = PrepareOne(*connection_, sql);
-    if (sqlite3_column_count(statement) > 0) {
+    // A statement that changes the schema may report a column too; a select only reads.
+    if (sqlite3_stmt_readonly(statement) && sqlite3_column_count(statement) > 0) {
         sqlite3_finalize(statement);
         Raise(3065);
     }

@@ -89,7 +89,6 @@ struct RecordsetData {
 // Throws the connection's last SQLite error as Jet would report the same refusal, after
 // finalizing the failed statement, if given.
 [[noreturn]] void RaiseSqlite(const Connection& connection, sqlite3_stmt* failed = nullptr);
-QString JetText(int number);
 
 // Adapts the statement, prepares it and refuses a second statement after it.
 sqlite3_stmt* PrepareOne(const Connection& connection, const QString& sql);

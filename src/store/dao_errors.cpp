@@ -7,13 +7,6 @@
 namespace {
 QList<VbError> gLastErrors;
 const char* const kDaoSource = "DAO.Database";
-}  // namespace
-
-QList<VbError> DBEngine::Errors() {
-    return gLastErrors;
-}
-
-namespace dao_detail {
 
 QString JetText(int number) {
     switch (number) {
@@ -62,6 +55,14 @@ QString JetText(int number) {
             return QString();
     }
 }
+
+}  // namespace
+
+QList<VbError> DBEngine::Errors() {
+    return gLastErrors;
+}
+
+namespace dao_detail {
 
 void Raise(int number, const QString& description) {
     const VbError error(number, description.isEmpty() ? JetText(number) : description, kDaoSource);

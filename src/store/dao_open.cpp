@@ -80,7 +80,7 @@ bool IsTable(const Connection& connection, const QString& name, bool* view) {
 
 void Open(RecordsetData& d) {
     sqlite3_stmt* statement = PrepareOne(*d.connection, d.sql);
-    if (sqlite3_column_count(statement) == 0) {
+    if (sqlite3_column_count(statement) == 0 || !sqlite3_stmt_readonly(statement)) {
         sqlite3_finalize(statement);
         Raise(3219);
     }

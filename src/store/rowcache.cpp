@@ -5,129 +5,147 @@
 #include <cstring>
 
 namespace dao_detail {
+namespace {
 
-CachedRow::Cell CachedRow::CellAt(int column) const {
-    Cell cell;
-    std::memcpy(&cell, data_.get() + column * sizeof(Cell), sizeof(Cell));
-    return cell;
+// Bytes that hold value as a sign-extended little-endian integer: 0 for zero, else 1, 2, 4 or 8.
+quint32 IntegerSize(qint64 value) {
+    if (value == 0) return 0;
+    if (value >= INT8_MIN && value <= INT8_MAX) return 1;
+    if (value >= INT16_MIN && value <= INT16_MAX) return 2;
+    if (value >= INT32_MIN && value <= INT32_MAX) return 4;
+    return 8;
 }
 
-void CachedRow::SetCell(int column, const Cell& cell) {
-    std::memcpy(data_.get() + column * sizeof(Cell), &cell, sizeof(Cell));
+}  // namespace
+
+CachedRow CachedRow::Build(const Span* spans, int columns) {
+    size_t total = columns * (1 + sizeof(quint32));
+    for (int i = 0; i < columns; ++i) total += spans[i].size;
+    CachedRow row;
+    row.columns_ = columns;
+    row.data_.reset(new char[total]);
+    char* kinds = row.data_.get();
+    char* ends = kinds + columns;
+    char* bytes = ends + columns * sizeof(quint32);
+    quint32 end = 0;
+    for (int i = 0; i < columns; ++i) {
+        kinds[i] = static_cast<char>(spans[i].kind);
+        if (spans[i].size) std::memcpy(bytes + end, spans[i].bytes, spans[i].size);
+        end += spans[i].size;
+        std::memcpy(ends + i * sizeof(quint32), &end, sizeof end);
+    }
+    return row;
+}
+
+CachedRow::Span CachedRow::At(int column) const {
+    const char* kinds = data_.get();
+    const char* ends = kinds + columns_;
+    const char* bytes = ends + columns_ * sizeof(quint32);
+    quint32 start = 0, end = 0;
+    if (column > 0) std::memcpy(&start, ends + (column - 1) * sizeof(quint32), sizeof start);
+    std::memcpy(&end, ends + column * sizeof(quint32), sizeof end);
+    return {static_cast<Kind>(kinds[column]), bytes + start, end - start};
 }
 
 CachedRow CachedRow::FromStatement(sqlite3_stmt* statement, int columns) {
-    // First pass sizes the row; the second copies. SQLite keeps the converted text between the
-    // two calls, so asking twice costs nothing.
-    size_t bytes = columns * sizeof(Cell);
+    // Numbers are copied from here; text and blobs straight from SQLite, whose pointers stay
+    // valid until the next step.
+    thread_local std::vector<Span> spans;
+    thread_local std::vector<qint64> numbers;
+    spans.resize(columns);
+    numbers.resize(columns);
     for (int i = 0; i < columns; ++i) {
-        const int type = sqlite3_column_type(statement, i);
-        if (type == SQLITE_TEXT) {
-            sqlite3_column_text(statement, i);
-            bytes += sqlite3_column_bytes(statement, i);
-        } else if (type == SQLITE_BLOB) {
-            sqlite3_column_blob(statement, i);
-            bytes += sqlite3_column_bytes(statement, i);
-        }
-    }
-    CachedRow row;
-    row.data_.reset(new char[bytes]);
-    size_t offset = columns * sizeof(Cell);
-    for (int i = 0; i < columns; ++i) {
-        Cell cell{0, 0, kNull};
         switch (sqlite3_column_type(statement, i)) {
             case SQLITE_INTEGER:
-                cell = {sqlite3_column_int64(statement, i), 0, kInteger};
+                numbers[i] = sqlite3_column_int64(statement, i);
+                spans[i] = {kInteger, reinterpret_cast<const char*>(&numbers[i]),
+                            IntegerSize(numbers[i])};
                 break;
             case SQLITE_FLOAT: {
                 const double value = sqlite3_column_double(statement, i);
-                std::memcpy(&cell.payload, &value, sizeof value);
-                cell.kind = kReal;
+                std::memcpy(&numbers[i], &value, sizeof value);
+                spans[i] = {kReal, reinterpret_cast<const char*>(&numbers[i]), sizeof value};
                 break;
             }
-            case SQLITE_TEXT:
+            case SQLITE_TEXT: {
+                const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, i));
+                spans[i] = {kText, text, static_cast<quint32>(sqlite3_column_bytes(statement, i))};
+                break;
+            }
             case SQLITE_BLOB: {
-                const bool text = sqlite3_column_type(statement, i) == SQLITE_TEXT;
-                const void* source =
-                    text ? static_cast<const void*>(sqlite3_column_text(statement, i))
-                         : sqlite3_column_blob(statement, i);
-                const int size = sqlite3_column_bytes(statement, i);
-                if (size > 0) std::memcpy(row.data_.get() + offset, source, size);
-                cell = {static_cast<qint64>(offset), static_cast<quint32>(size),
-                        text ? kText : kBlob};
-                offset += size;
+                const auto* blob = static_cast<const char*>(sqlite3_column_blob(statement, i));
+                spans[i] = {kBlob, blob, static_cast<quint32>(sqlite3_column_bytes(statement, i))};
                 break;
             }
             default:
+                spans[i] = {kNull, nullptr, 0};
                 break;
         }
-        row.SetCell(i, cell);
     }
-    return row;
+    return Build(spans.data(), columns);
 }
 
 CachedRow CachedRow::FromValues(const std::vector<QVariant>& values) {
     const int columns = static_cast<int>(values.size());
     std::vector<QByteArray> bytes(columns);
-    size_t total = columns * sizeof(Cell);
+    std::vector<qint64> numbers(columns);
+    std::vector<Span> spans(columns);
     for (int i = 0; i < columns; ++i) {
-        const int type = values[i].typeId();
-        if (type == QMetaType::QString) bytes[i] = values[i].toString().toUtf8();
-        if (type == QMetaType::QByteArray) bytes[i] = values[i].toByteArray();
-        total += bytes[i].size();
-    }
-    CachedRow row;
-    row.data_.reset(new char[total]);
-    size_t offset = columns * sizeof(Cell);
-    for (int i = 0; i < columns; ++i) {
-        Cell cell{0, 0, kNull};
         switch (values[i].typeId()) {
             case QMetaType::LongLong:
-                cell = {values[i].toLongLong(), 0, kInteger};
+                numbers[i] = values[i].toLongLong();
+                spans[i] = {kInteger, reinterpret_cast<const char*>(&numbers[i]),
+                            IntegerSize(numbers[i])};
                 break;
             case QMetaType::Double: {
                 const double value = values[i].toDouble();
-                std::memcpy(&cell.payload, &value, sizeof value);
-                cell.kind = kReal;
+                std::memcpy(&numbers[i], &value, sizeof value);
+                spans[i] = {kReal, reinterpret_cast<const char*>(&numbers[i]), sizeof value};
                 break;
             }
             case QMetaType::QString:
-            case QMetaType::QByteArray:
-                std::memcpy(row.data_.get() + offset, bytes[i].constData(), bytes[i].size());
-                cell = {static_cast<qint64>(offset), static_cast<quint32>(bytes[i].size()),
-                        values[i].typeId() == QMetaType::QString ? kText : kBlob};
-                offset += bytes[i].size();
+            case QMetaType::QByteArray: {
+                const bool text = values[i].typeId() == QMetaType::QString;
+                bytes[i] = text ? values[i].toString().toUtf8() : values[i].toByteArray();
+                spans[i] = {text ? kText : kBlob, bytes[i].constData(),
+                            static_cast<quint32>(bytes[i].size())};
                 break;
+            }
             default:
+                spans[i] = {kNull, nullptr, 0};
                 break;
         }
-        row.SetCell(i, cell);
     }
-    return row;
+    return Build(spans.data(), columns);
 }
 
 QVariant CachedRow::Value(int column) const {
-    const Cell cell = CellAt(column);
-    switch (cell.kind) {
-        case kInteger:
-            return QVariant::fromValue<qint64>(cell.payload);
+    const Span span = At(column);
+    switch (span.kind) {
+        case kInteger: {
+            // Little-endian: the low bytes come first; the top byte gives the sign.
+            qint64 value = 0;
+            if (span.size) {
+                std::memcpy(&value, span.bytes, span.size);
+                const int unused = 64 - 8 * static_cast<int>(span.size);
+                if (unused)
+                    value = static_cast<qint64>(static_cast<quint64>(value) << unused) >> unused;
+            }
+            return QVariant::fromValue<qint64>(value);
+        }
         case kReal: {
             double value;
-            std::memcpy(&value, &cell.payload, sizeof value);
+            std::memcpy(&value, span.bytes, sizeof value);
             return value;
         }
         case kText:
-            return QString::fromUtf8(data_.get() + cell.payload, cell.size);
+            return QString::fromUtf8(span.bytes, span.size);
         case kBlob:
-            return QByteArray(data_.get() + cell.payload, cell.size);
+            return QByteArray(span.bytes, span.size);
         case kNull:
             break;
     }
     return QVariant();
-}
-
-bool CachedRow::IsNull(int column) const {
-    return CellAt(column).kind == kNull;
 }
 
 QVariant StoredForm(const QVariant& value) {

@@ -19,19 +19,21 @@ class CachedRow {
     static CachedRow FromValues(const std::vector<QVariant>& values);
 
     QVariant Value(int column) const;
-    bool IsNull(int column) const;
 
   private:
+    // Layout: a kind byte per column, then the end offset of each column's bytes (4 bytes
+    // each), then the bytes. An integer takes as few bytes as hold it, a Null none.
     enum Kind : quint8 { kNull, kInteger, kReal, kText, kBlob };
-    struct Cell {
-        qint64 payload;  // the integer, the double's bits, or the offset of the bytes
-        quint32 size;
+    struct Span {
         Kind kind;
+        const char* bytes;
+        quint32 size;
     };
-    Cell CellAt(int column) const;
-    void SetCell(int column, const Cell& cell);
+    static CachedRow Build(const Span* spans, int columns);
+    Span At(int column) const;
 
     std::unique_ptr<char[]> data_;
+    int columns_ = 0;
 };
 
 // The value as the store keeps it: invalid for Null, qint64, double, QString or QByteArray.

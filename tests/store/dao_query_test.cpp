@@ -2,8 +2,8 @@
 // refuses.
 
 #include "store/catalogue.h"
-#include "support/testsupport.h"
 #include "store/storetest.h"
+#include "support/testsupport.h"
 
 class DaoQueryTest : public QObject {
     Q_OBJECT
@@ -50,6 +50,16 @@ class DaoQueryTest : public QObject {
         QVERIFY(rs->Fields("memo").IsNull());
         QVERIFY(!rs->Fields("nmcd").IsNull());
         QCOMPARE((*rs)["visible"], QVariant(qint64(1)));
+
+        // Cached integers keep every width and sign.
+        const QList<qint64> numbers = {
+            0, -1, 127, 128, -129, 40000, -40000, 2147483647, -2147483648, 1LL << 40, -(1LL << 62)};
+        QStringList columns;
+        for (qint64 number : numbers) columns << QString::number(number);
+        auto values = gDatabase->OpenRecordset("select " + columns.join(", ") + ", x'00ff'");
+        for (int i = 0; i < numbers.size(); ++i)
+            QCOMPARE(values->Fields(i).Value(), QVariant(numbers[i]));
+        QCOMPARE(values->Fields(int(numbers.size())).Value(), QVariant(QByteArray("\x00\xff", 2)));
     }
 
     void countsAndMoves() {

@@ -1,0 +1,239 @@
+// Writing the catalogue through recordsets and statements: counters, edits, the store's
+// refusals and its cascades.
+
+#include "store/catalogue.h"
+#include "store/storetest.h"
+#include "support/testsupport.h"
+
+namespace {
+long Count(const QString& sql) {
+    auto rs = gDatabase->OpenRecordset(sql);
+    if (!rs->IsEOF()) rs->MoveLast();
+    return rs->RecordCount();
+}
+}  // namespace
+
+class DaoEditTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void init() {
+        folder_ = std::make_unique<TempProgramFolder>();
+        folder_->openCatalogue();
+    }
+    void cleanup() { folder_.reset(); }
+
+    void addNewShowsTheCounterBeforeUpdate() {
+        AddTitle(*gDatabase, "First");
+        AddTitle(*gDatabase, "Second");
+        gDatabase->Execute("DELETE FROM title WHERE idcd = 2");
+        auto rs = gDatabase->OpenRecordset("select * from title where idcd = 0", dbOpenDynaset);
+        rs->AddNew();
+        // A deleted counter is never given again.
+        QCOMPARE(rs->Fields("idcd").Value(), QVariant(qint64(3)));
+        rs->Fields("nmcd").SetValue(QString("Third"));
+        rs->Fields("NumTracks").SetValue(12);
+        rs->Fields("created").SetValue(QDate(2024, 2, 29));
+        rs->Fields("idplatform").SetValue(1);
+        QCOMPARE(rs->Fields("nmcd").Value().toString(), QString("Third"));
+        rs->Update();
+        // The new row joins the (finished) recordset, which stays where it was.
+        QCOMPARE(rs->RecordCount(), 1L);
+        QVERIFY(rs->IsEOF());
+        rs->MoveFirst();
+        QCOMPARE(rs->Fields("idcd").Value(), QVariant(qint64(3)));
+        QCOMPARE(rs->Fields("visible").Value(), QVariant(qint64(1)));  // the store's default
+
+        auto stored = gDatabase->OpenRecordset("select * from title where idcd = 3");
+        QCOMPARE(stored->Fields("nmcd").Value().toString(), QString("Third"));
+        QCOMPARE(stored->Fields("NumTracks").Value(), QVariant(qint64(12)));
+        QCOMPARE(stored->Fields("created").Value().toString(), QString("2024-02-29"));
+
+        // Without reading the counter the store assigns the same.
+        auto table = gDatabase->OpenRecordset("title");
+        table->AddNew();
+        table->Fields("nmcd").SetValue(QString("Fourth"));
+        table->Update();
+        QCOMPARE(table->RecordCount(), 3L);
+        QCOMPARE(Count("select * from title where idcd = 4 and nmcd = 'Fourth'"), 1L);
+        // Counters and expressions cannot be written.
+        table->AddNew();
+        QCOMPARE(ErrorNumber([&] { table->Fields("idcd").SetValue(9); }), 3164);
+        table->CancelUpdate();
+        auto expression = gDatabase->OpenRecordset("select nmcd, nmcd || '!' as shout from title");
+        expression->Edit();
+        QCOMPARE(ErrorNumber([&] { expression->Fields("shout").SetValue(QString("x")); }), 3164);
+    }
+
+    void editWritesChangedFieldsOnly() {
+        AddTitle(*gDatabase, "Before");
+        AddTitle(*gDatabase, "Other");
+        auto rs = gDatabase->OpenRecordset(kJoin);
+        rs->Edit();
+        rs->Fields("nmcd").SetValue(QString("After"));
+        rs->Fields("title.rating").SetValue(5);
+        // Meanwhile another statement changes a field the edit leaves alone.
+        gDatabase->Execute("UPDATE title SET nrcds = 7 WHERE nmcd = 'Before'");
+        rs->Update();
+        QCOMPARE(rs->Fields("nmcd").Value().toString(), QString("After"));
+        QCOMPARE(rs->Fields("rating").Value(), QVariant(qint64(5)));
+        QCOMPARE(rs->Fields("nrcds").Value(), QVariant(qint64(7)));
+        QCOMPARE(rs->Fields("nmplatform").Value().toString(), QString("Audio"));
+        QCOMPARE(Count("select * from title where nmcd = 'After' and nrcds = 7 and rating = 5"),
+                 1L);
+        QCOMPARE(Count("select * from title where nmcd = 'Other'"), 1L);
+
+        // Over a join a lookup's own field can be changed too.
+        rs->Edit();
+        rs->Fields("nmvendor").SetValue(QString("Someone"));
+        rs->Update();
+        QCOMPARE(Count("select * from vendor where nmvendor = 'Someone' and idvendor = 1"), 1L);
+
+        // Moving away drops an edit; CancelUpdate drops it in place.
+        rs->Edit();
+        rs->Fields("nmcd").SetValue(QString("Dropped"));
+        rs->CancelUpdate();
+        QCOMPARE(rs->Fields("nmcd").Value().toString(), QString("After"));
+        QCOMPARE(ErrorNumber([&] { rs->Update(); }), int(jetUpdateWithoutAddNew));
+        QCOMPARE(ErrorNumber([&] { rs->CancelUpdate(); }), int(jetUpdateWithoutAddNew));
+        QCOMPARE(ErrorNumber([&] { rs->Fields("nmcd").SetValue(QString("x")); }),
+                 int(jetUpdateWithoutAddNew));
+    }
+
+    void readOnlyRecordsetsRefuseEdits() {
+        AddTitle(*gDatabase, "Fixed");
+        const QStringList statements = {"select * from title", "select * from title",
+                                        "select count(*) as n from title"};
+        const int types[] = {dbOpenDynaset, dbOpenSnapshot, dbOpenDynaset};
+        const int options[] = {dbReadOnly, 0, 0};
+        for (int i = 0; i < 3; ++i) {
+            auto rs = gDatabase->OpenRecordset(statements[i], types[i], options[i]);
+            QVERIFY(!rs->Updatable());
+            QCOMPARE(ErrorNumber([&] { rs->AddNew(); }), int(jetObjectReadOnly));
+            QCOMPARE(ErrorNumber([&] { rs->Edit(); }), int(jetObjectReadOnly));
+            QCOMPARE(ErrorNumber([&] { rs->Delete(); }), int(jetObjectReadOnly));
+        }
+        QVERIFY(gDatabase->OpenRecordset("select * from title")->Updatable());
+    }
+
+    void storeRefusesWhatJetRefused() {
+        AddTitle(*gDatabase, "Known");
+        gDatabase->Execute("UPDATE title SET TitleID = 1234");
+        const QString tooLong(151, 'x');
+        auto rs = gDatabase->OpenRecordset("select * from title");
+        rs->Edit();
+        rs->Fields("nmcd").SetValue(tooLong);
+        QCOMPARE(ErrorNumber([&] { rs->Update(); }), int(jetFieldTooSmall));
+        QCOMPARE(DBEngine::Errors().front().Description,
+                 QString("The field is too small to accept the amount of data you attempted to "
+                         "add. Try inserting or pasting less data."));
+        // The refused edit is still pending and can be corrected.
+        rs->Fields("nmcd").SetValue(QString(150, 'x'));
+        rs->Update();
+        QCOMPARE(ErrorNumber([&] {
+                     gDatabase->Execute("UPDATE title SET label = '" + QString(33, 'y') + "'");
+                 }),
+                 int(jetFieldTooSmall));
+        QCOMPARE(ErrorNumber([&] { gDatabase->Execute("UPDATE title SET NumTracks = 256"); }),
+                 int(jetDataConversion));
+        QCOMPARE(ErrorNumber([&] { gDatabase->Execute("UPDATE title SET NumTracks = -1"); }),
+                 int(jetDataConversion));
+        QCOMPARE(ErrorNumber([&] { gDatabase->Execute("UPDATE title SET rating = 32768"); }),
+                 int(jetDataConversion));
+        QCOMPARE(ErrorNumber([&] { gDatabase->Execute("UPDATE title SET nrcds = -32768"); }), 0);
+        QCOMPARE(ErrorNumber([&] {
+                     gDatabase->Execute("INSERT INTO Tracks (idcd, TrackID) VALUES (1, 300)");
+                 }),
+                 int(jetDataConversion));
+
+        auto adding = gDatabase->OpenRecordset("title");
+        adding->AddNew();
+        adding->Fields("TitleID").SetValue(1234);
+        QCOMPARE(ErrorNumber([&] { adding->Update(); }), int(jetDuplicateValues));
+        adding->CancelUpdate();
+        QCOMPARE(adding->RecordCount(), 1L);
+        QCOMPARE(ErrorNumber([&] {
+                     gDatabase->Execute("INSERT INTO title (nmcd, TitleID) VALUES ('b', 1234)");
+                 }),
+                 int(jetDuplicateValues));
+        // Titles without a TitleID do not collide.
+        gDatabase->Execute("INSERT INTO title (nmcd) VALUES ('c')");
+        gDatabase->Execute("INSERT INTO title (nmcd) VALUES ('d')");
+        QCOMPARE(Count("select * from title"), 3L);
+    }
+
+    void deletesCascade() {
+        gDatabase->Execute("INSERT INTO platform (idplatform, nmplatform) VALUES (6, 'Mine')");
+        gDatabase->Execute("INSERT INTO type (idtype, nmtype, idplatform) VALUES (50, 'T', 6)");
+        gDatabase->Execute(
+            "INSERT INTO specific (idspecific, nmspecific, idtype) VALUES "
+            "(60, 'S', 50)");
+        gDatabase->Execute(
+            "INSERT INTO vendor (idvendor, nmvendor, idplatform) VALUES "
+            "(70, 'V', 6)");
+        AddTitle(*gDatabase, "Mine", 6, 50, 60, 70);
+        AddTitle(*gDatabase, "Audio");
+        gDatabase->Execute("INSERT INTO Tracks (idcd, TrackID, TrackName) VALUES (2, 1, 'a')");
+        gDatabase->Execute("INSERT INTO Tracks (idcd, TrackID, TrackName) VALUES (2, 2, 'b')");
+
+        gDatabase->Execute("DELETE FROM platform WHERE idplatform = 6");
+        QCOMPARE(gDatabase->RecordsAffected(), 1L);
+        QCOMPARE(Count("select * from title"), 1L);
+        QCOMPARE(Count("select * from type where idtype = 50"), 0L);
+        QCOMPARE(Count("select * from specific where idspecific = 60"), 0L);
+        QCOMPARE(Count("select * from vendor where idvendor = 70"), 0L);
+
+        // Deleting through a join removes the title row; its tracks follow.
+        auto rs = gDatabase->OpenRecordset(kJoin);
+        rs->Delete();
+        QCOMPARE(ErrorNumber([&] { rs->Fields("nmcd").Value(); }), 3167);
+        QCOMPARE(rs->RecordCount(), 0L);
+        rs->MoveNext();
+        QVERIFY(rs->IsEOF());
+        QCOMPARE(Count("select * from title"), 0L);
+        QCOMPARE(Count("select * from Tracks"), 0L);
+        QCOMPARE(Count("select * from vendor where idvendor = 1"), 1L);
+    }
+
+    void deleteKeepsItsPlace() {
+        auto rs = gDatabase->OpenRecordset("mediatype");
+        rs->SetAbsolutePosition(2);
+        rs->Delete();
+        QCOMPARE(rs->RecordCount(), 5L);
+        rs->MoveNext();
+        QCOMPARE(rs->Fields("idmediatype").Value(), QVariant(qint64(4)));
+        rs->Delete();
+        rs->MovePrevious();
+        QCOMPARE(rs->Fields("idmediatype").Value(), QVariant(qint64(2)));
+        QCOMPARE(rs->RecordCount(), 4L);
+        QCOMPARE(Count("select * from mediatype"), 4L);
+    }
+
+    void widenedColumnKeepsItsWidth() {
+        AddTitle(*gDatabase, "Labelled");
+        AddTitle(*gDatabase, "Unlabelled");
+        gDatabase->Execute("UPDATE title SET label = 'DISC1' WHERE nmcd = 'Labelled'");
+        for (const char* statement :
+             {"ALTER TABLE title ADD COLUMN templabel TEXT (40)",
+              "UPDATE title SET templabel = label", "ALTER TABLE title DROP COLUMN label",
+              "ALTER TABLE title ADD COLUMN label TEXT (40)", "UPDATE title SET label = templabel",
+              "ALTER TABLE title DROP COLUMN templabel"})
+            gDatabase->Execute(statement);
+        auto rs = gDatabase->OpenRecordset("select * from title order by nmcd");
+        QCOMPARE(rs->Fields("label").Size(), 40);
+        QCOMPARE(rs->Fields("label").Value().toString(), QString("DISC1"));
+        rs->MoveNext();
+        QVERIFY(rs->Fields("label").IsNull());
+        gDatabase->Execute("UPDATE title SET label = '" + QString(40, 'z') + "'");
+        QCOMPARE(ErrorNumber([&] {
+                     gDatabase->Execute("UPDATE title SET label = '" + QString(41, 'z') + "'");
+                 }),
+                 int(jetFieldTooSmall));
+    }
+
+  private:
+    std::unique_ptr<TempProgramFolder> folder_;
+};
+
+VELMORA_TEST_MAIN(DaoEditTest)
+#include "dao_edit_test.moc"
