@@ -72,6 +72,9 @@ void frmMain::BuildWindow() {
         panels_.append(label);
     }
     SetPanelText(3, "Record");
+
+    BuildContextMenus();
+    InstallCommandEvents();
 }
 
 void frmMain::SetMousePointer(int pointer) {
@@ -131,6 +134,7 @@ void frmMain::Form_Load() {
     SetSplashStatus("Initializing popup-menus");
 
     SetSplashStatus("Initializing button-bar");
+    InitializeToolbar();
 
     if (!OpenDatabaseStage1()) return;
     if (!OpenDatabaseStage2()) return;

@@ -2,10 +2,12 @@
 
 #include <QLabel>
 #include <QMainWindow>
+#include <QMenu>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QTreeView>
 #include <QTreeWidget>
+#include <functional>
 
 class SingleInstance;
 
@@ -82,6 +84,80 @@ class frmMain : public QMainWindow {
     bool listKeyDown = false;
     bool treeKeyDown = true;
     bool updateInProgress = false;
+    // Set by a click on a list item; a double click acts only after one, so a double click on
+    // empty space does nothing.
+    bool bListItemClicked = false;
+
+    // The button bar: its buttons carry their keys ("addcd", "modifycd", ... "quit").
+    void InitializeToolbar();
+    QAction* ToolbarButton(const QString& key) const;
+    void Toolbar1_ButtonClick(const QString& key);
+
+    // The list's context menu.
+    QMenu* mnuListviewContext;
+    QAction* mnuViewProperties;
+    QAction* mnuSeperator1;
+    QAction* mnuNewCD;
+    QAction* mnuRenameCD;
+    QAction* mnuDeleteCD;
+    QAction* mnuSeperator2;
+    QAction* mnuSearchCD1;
+    QAction* mnuSeperator3;
+    QAction* mnuListviewMaintenance;
+    // The tree's context menu.
+    QMenu* mnuTreeviewContext;
+    QAction* mnuReadRecordsFromFolder;
+    QAction* mnuSeperator4;
+    QAction* mnuAddFolder;
+    QAction* mnuRenameFolder;
+    QAction* mnuDeleteFolder;
+    QAction* mnuHideFolder;
+    QAction* mnuSeperator5;
+    QAction* mnuSearchCD2;
+    QAction* mnuSeperator6;
+    QAction* mnuTreeviewMaintenance;
+
+    // Every context menu pops up through here, and the menu's command runs before it returns.
+    // When PopupMenuHook is set it stands in for the user: it gets the prepared menu instead of
+    // the screen (tests trigger an item of their choice from it).
+    void PopupMenu(QMenu* menu);
+    std::function<void(QMenu*)> PopupMenuHook;
+
+    // Mouse and keys of the tree and the list. Buttons are 1 left, 2 right; positions are in
+    // the coordinates of the view's viewport. Keys are Qt key codes.
+    void TV1_MouseDown(int button, const QPoint& position);
+    void TV1_MouseUp(int button, const QPoint& position);
+    void TV1_KeyDown(int key);
+    void TV1_KeyUp(int key);
+    void ListView1_MouseUp(int button, const QPoint& position);
+    void ListView1_DblClick();
+    void ListView1_KeyDown(int key);
+    void ListView1_KeyUp(int key);
+    void SetDropHighlight(QTreeWidgetItem* node);
+
+    // The title commands.
+    void NewTitle();
+    void ModifyTitle();
+    void DeleteTitle();
+    void RenameTitle(const QString& name);
+    void ShowSearch();
+    // Hides platform id (name is shown in the question) and removes the selected node.
+    void HideFolder(long id, const QString& name);
+
+    // The menu items' commands.
+    void mnuViewProperties_Click();
+    void mnuNewCD_Click();
+    void mnuRenameCD_Click();
+    void mnuDeleteCD_Click();
+    void mnuSearchCD1_Click();
+    void mnuListviewMaintenance_Click();
+    void mnuReadRecordsFromFolder_Click();
+    void mnuAddFolder_Click();
+    void mnuRenameFolder_Click();
+    void mnuDeleteFolder_Click();
+    void mnuHideFolder_Click();
+    void mnuSearchCD2_Click();
+    void mnuTreeviewMaintenance_Click();
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -102,11 +178,33 @@ class frmMain : public QMainWindow {
     void Form_Resize();
     void RaiseFromOtherInstance();
 
+    void BuildContextMenus();
+    void InstallCommandEvents();
+    QAction* AddMenuItem(QMenu* menu, const QString& name, const QString& help,
+                         const QString& caption, void (frmMain::*command)());
+    // The folder commands' target: the node under the right click, else the selected one.
+    QTreeWidgetItem* FolderCommandTarget() const;
+    void EnableFolderItems(QTreeWidgetItem* node);
+    // Rename (2) or delete (3) of the platform or type the folder commands aim at.
+    void ModifyFolder(int action);
+    void RunUpdateCommand();
+
+    // The windows of the other commands; each is opened here and nowhere else.
+    void ShowEditor();
+    void ShowDatabaseWindow();
+    void ShowImportWindow();
+    void ShowExportWindow();
+    // Runs the update check and download; true when the update program at updateProgram was
+    // fetched completely.
+    bool RunUpdate(QString& updateProgram);
+
     int mousePointer_ = 0;
     bool loading_ = false;
     bool unloaded_ = false;
     QList<QLabel*> panels_;
     SingleInstance* instance_ = nullptr;
+    QTreeWidgetItem* dropHighlight_ = nullptr;
+    bool bUpdating_ = false;
 };
 
 // The one main window of the run, or null once it has been unloaded.
