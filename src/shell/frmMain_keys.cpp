@@ -20,8 +20,8 @@ int ButtonNumber(Qt::MouseButton button) {
     }
 }
 
-// Hands the views' raw events to the window's handlers. A right button in the tree is the
-// menu's alone: the tree must not move its selection under a right click.
+// Hands the views' keys, mouse-ups and double clicks to the window's handlers. A right button
+// in the tree is the menu's alone: the tree must not move its selection under a right click.
 class CommandEvents : public QObject {
   public:
     explicit CommandEvents(frmMain* form) : QObject(form), form_(form) {}
@@ -58,11 +58,16 @@ class CommandEvents : public QObject {
         const int button = ButtonNumber(event->button());
         const QPoint position = event->position().toPoint();
         if (watched == form_->TV1->viewport()) {
-            if (event->type() == QEvent::MouseButtonPress)
-                form_->TV1_MouseDown(button, position);
-            else if (event->type() == QEvent::MouseButtonRelease)
+            if (button != 2) return false;
+            if (event->type() == QEvent::MouseButtonRelease) {
                 form_->TV1_MouseUp(button, position);
-            return button == 2;
+            } else if (event->type() == QEvent::MouseButtonDblClick) {
+                // The second press of a double click, which the tree would take as a
+                // selecting click.
+                form_->TV1_MouseDown(button);
+                form_->SetDropHighlight(form_->TV1->itemAt(position));
+            }
+            return true;
         }
         if (watched == form_->ListView1->viewport()) {
             if (event->type() == QEvent::MouseButtonRelease)
@@ -145,7 +150,7 @@ void frmMain::ListView1_KeyUp(int key) {
 }
 
 void frmMain::ListView1_DblClick() {
-    if (!bListItemClicked) return;
-    bListItemClicked = false;
+    if (!listItemClicked) return;
+    listItemClicked = false;
     ModifyTitle();
 }

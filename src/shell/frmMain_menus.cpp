@@ -69,6 +69,25 @@ void frmMain::BuildContextMenus() {
     // window's own menu of bars.
     TV1->setContextMenuPolicy(Qt::PreventContextMenu);
     ListView1->setContextMenuPolicy(Qt::PreventContextMenu);
+
+    // A right button going down in the tree starts the folder items disabled; a node click
+    // while it is the last button enables what that node allows.
+    connect(this, &frmMain::FolderMenuReset, this, [this] {
+        for (QAction* item : {mnuReadRecordsFromFolder, mnuAddFolder, mnuRenameFolder,
+                              mnuDeleteFolder, mnuHideFolder})
+            item->setEnabled(false);
+    });
+    connect(this, &frmMain::FolderMenuNodeClick, this, [this](QTreeWidgetItem* node) {
+        mnuReadRecordsFromFolder->setEnabled(true);
+        mnuAddFolder->setEnabled(true);
+        if (!node || IsRootKey(NodeKey(node))) return;
+        mnuDeleteFolder->setEnabled(true);
+        mnuRenameFolder->setEnabled(true);
+        if (node->parent() && IsRootKey(NodeKey(node->parent()))) {
+            mnuHideFolder->setEnabled(true);
+            mnuDeleteFolder->setEnabled(false);
+        }
+    });
 }
 
 QAction* frmMain::AddMenuItem(QMenu* menu, const QString& name, const QString& help,
@@ -86,26 +105,6 @@ void frmMain::PopupMenu(QMenu* menu) {
         return;
     }
     menu->exec(QCursor::pos());
-}
-
-QTreeWidgetItem* frmMain::DropHighlight() const {
-    return dropHighlight_;
-}
-
-void frmMain::SetDropHighlight(QTreeWidgetItem* node) {
-    dropHighlight_ = node;
-}
-
-void frmMain::TV1_MouseDown(int button, const QPoint& position) {
-    lastTreeButton = button;
-    if (button == 2) {
-        SetDropHighlight(TV1->itemAt(position));
-        for (QAction* item : {mnuReadRecordsFromFolder, mnuAddFolder, mnuRenameFolder,
-                              mnuDeleteFolder, mnuHideFolder})
-            item->setEnabled(false);
-    } else {
-        bReadRecordsNow = true;
-    }
 }
 
 void frmMain::EnableFolderItems(QTreeWidgetItem* node) {

@@ -86,10 +86,21 @@ void frmMain::HideFolder(long id, const QString& name) {
         QTreeWidgetItem* selected = SelectedNode();
         if (!selected) return;
         if (NodeIndex(selected) == gSelectedIndex) gSelectedIndex = 0;
-        // Taking the node away is no click: the list stays as it is.
-        const QSignalBlocker blocker(TV1);
-        delete selected;
+        RemoveNode(selected);
     } catch (const VbError& error) {
         MsgBox(error.Description, vbCritical);
     }
+}
+
+void frmMain::RemoveNode(QTreeWidgetItem* node) {
+    QList<QTreeWidgetItem*> gone{node};
+    for (int at = 0; at < gone.size(); ++at)
+        for (int child = 0; child < gone[at]->childCount(); ++child) gone << gone[at]->child(child);
+    for (QTreeWidgetItem* item : gone) {
+        nodes_.removeAll(item);
+        if (item == dropHighlight_) dropHighlight_ = nullptr;
+    }
+    // Taking a node away is no click: the list stays as it is.
+    const QSignalBlocker blocker(TV1);
+    delete node;
 }
