@@ -2,12 +2,16 @@
 
 #include <QLabel>
 #include <QMainWindow>
+#include <QMenu>
 #include <QStatusBar>
+#include <QTimer>
 #include <QToolBar>
 #include <QTreeView>
 #include <QTreeWidget>
+#include <functional>
 
 class SingleInstance;
+class TitleListModel;
 
 // The main window: the folder tree on the left, the title list on the right, the button bar
 // on top and the status bar below. It lives for the whole run and owns the open catalogue.
@@ -27,6 +31,14 @@ class frmMain : public QMainWindow {
   signals:
     // The exit work is done; the program ends.
     void Unloaded();
+    // A right button went down in the tree: the folder menu's items start disabled.
+    void FolderMenuReset();
+    // A node click while the right button is the last one: the folder menu's items are enabled
+    // for node; nothing is read.
+    void FolderMenuNodeClick(QTreeWidgetItem* node);
+    // The search node was read before any search: the search window is wanted. Sent once the
+    // (empty) read has finished.
+    void SearchWindowRequested();
 
   public:
     // The busy flag: 11 while working, 1 at rest; commands and closing test for 1.
@@ -49,7 +61,22 @@ class frmMain : public QMainWindow {
     QTreeWidgetItem* SelectedNode() const;
     // The node under a right click while its menu is up, else null.
     QTreeWidgetItem* DropHighlight() const;
+    void SetDropHighlight(QTreeWidgetItem* node);
     void TV1_NodeClick(QTreeWidgetItem* node);
+    // Building and selecting nodes without a NodeClick, as the program's own code does.
+    void ClearNodes();
+    QTreeWidgetItem* AddNode(QTreeWidgetItem* parent, const QString& key, const QString& text,
+                             const QString& image, const QString& selectedImage);
+    void SelectNode(QTreeWidgetItem* node);
+    // Takes node and its children out of the tree, without a NodeClick; later nodes move up
+    // one index for each node taken.
+    void RemoveNode(QTreeWidgetItem* node);
+    void EnsureNodeVisible(QTreeWidgetItem* node);
+    // The tree's events. button is 1 left, 2 right, 4 middle.
+    void TV1_MouseDown(int button);
+    void TV1_Collapse(QTreeWidgetItem* node);
+    void TV1_GotFocus();
+    void tmrWait_Timer();
 
     // The title list's items, 0-based rows of the list as shown. An item has the key "id" and
     // idcd, the tag idcd, a small icon 1..6 and five sub-items (By, Type, Kind, Nr cd's,
@@ -67,12 +94,22 @@ class frmMain : public QMainWindow {
                      const QStringList& subItems, const QString& tag);
     void SetListItem(int row, const QString& text, const QStringList& subItems);
     void RemoveListItem(int row);
+    void ClearListItems();
+    TitleListModel* ListModel() const { return listModel_; }
+    // The six columns, the first one 40 percent of the list's width.
+    void SetupListColumns();
+    // The list's events. column is 1-based.
+    void ListView1_ColumnClick(int column);
+    void ListView1_GotFocus();
+    void ListView1_ItemClick();
 
     QToolBar* Toolbar1;
     QTreeWidget* TV1;
     QTreeView* ListView1;
     QFrame* Frame1;
     QStatusBar* StatusBar1;
+    // The tree's selection delay: keyboard moves read only the node the user rests on.
+    QTimer* tmrWait;
 
     // True: the next tree selection reads the list at once; false: through the wait timer.
     bool bReadRecordsNow = true;
@@ -82,6 +119,78 @@ class frmMain : public QMainWindow {
     bool listKeyDown = false;
     bool treeKeyDown = true;
     bool updateInProgress = false;
+    // Set by an item click and cleared by the double click it allows, so that a double click
+    // on empty space does nothing.
+    bool listItemClicked = false;
+
+    // The button bar: its buttons carry their keys ("addcd", "modifycd", ... "quit").
+    void InitializeToolbar();
+    QAction* ToolbarButton(const QString& key) const;
+    void Toolbar1_ButtonClick(const QString& key);
+
+    // The list's context menu.
+    QMenu* mnuListviewContext;
+    QAction* mnuViewProperties;
+    QAction* mnuSeperator1;
+    QAction* mnuNewCD;
+    QAction* mnuRenameCD;
+    QAction* mnuDeleteCD;
+    QAction* mnuSeperator2;
+    QAction* mnuSearchCD1;
+    QAction* mnuSeperator3;
+    QAction* mnuListviewMaintenance;
+    // The tree's context menu.
+    QMenu* mnuTreeviewContext;
+    QAction* mnuReadRecordsFromFolder;
+    QAction* mnuSeperator4;
+    QAction* mnuAddFolder;
+    QAction* mnuRenameFolder;
+    QAction* mnuDeleteFolder;
+    QAction* mnuHideFolder;
+    QAction* mnuSeperator5;
+    QAction* mnuSearchCD2;
+    QAction* mnuSeperator6;
+    QAction* mnuTreeviewMaintenance;
+
+    // Every context menu pops up through here, and the menu's command runs before it returns.
+    // When PopupMenuHook is set it stands in for the user: it gets the prepared menu instead of
+    // the screen (tests trigger an item of their choice from it).
+    void PopupMenu(QMenu* menu);
+    std::function<void(QMenu*)> PopupMenuHook;
+
+    // Mouse and keys of the tree and the list. Buttons are 1 left, 2 right; positions are in
+    // the coordinates of the view's viewport. Keys are Qt key codes.
+    void TV1_MouseUp(int button, const QPoint& position);
+    void TV1_KeyDown(int key);
+    void TV1_KeyUp(int key);
+    void ListView1_MouseUp(int button, const QPoint& position);
+    void ListView1_DblClick();
+    void ListView1_KeyDown(int key);
+    void ListView1_KeyUp(int key);
+
+    // The title commands.
+    void NewTitle();
+    void ModifyTitle();
+    void DeleteTitle();
+    void RenameTitle(const QString& name);
+    void ShowSearch();
+    // Hides platform id (name is shown in the question) and removes the selected node.
+    void HideFolder(long id, const QString& name);
+
+    // The menu items' commands.
+    void mnuViewProperties_Click();
+    void mnuNewCD_Click();
+    void mnuRenameCD_Click();
+    void mnuDeleteCD_Click();
+    void mnuSearchCD1_Click();
+    void mnuListviewMaintenance_Click();
+    void mnuReadRecordsFromFolder_Click();
+    void mnuAddFolder_Click();
+    void mnuRenameFolder_Click();
+    void mnuDeleteFolder_Click();
+    void mnuHideFolder_Click();
+    void mnuSearchCD2_Click();
+    void mnuTreeviewMaintenance_Click();
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -101,12 +210,41 @@ class frmMain : public QMainWindow {
     void Form_Unload();
     void Form_Resize();
     void RaiseFromOtherInstance();
+    void SetupTree();
+    void SetupList();
+    void SelectFirstNode();
+
+    void BuildContextMenus();
+    void InstallCommandEvents();
+    QAction* AddMenuItem(QMenu* menu, const QString& name, const QString& help,
+                         const QString& caption, void (frmMain::*command)());
+    // The folder commands' target: the node under the right click, else the selected one.
+    QTreeWidgetItem* FolderCommandTarget() const;
+    void EnableFolderItems(QTreeWidgetItem* node);
+    // Rename (2) or delete (3) of the platform or type the folder commands aim at.
+    void ModifyFolder(int action);
+    void RunUpdateCommand();
+
+    // The windows of the other commands; each is opened here and nowhere else.
+    void ShowEditor();
+    void ShowDatabaseWindow();
+    void ShowImportWindow();
+    void ShowExportWindow();
+    // Runs the update check and download; true when the update program at updateProgram was
+    // fetched completely.
+    bool RunUpdate(QString& updateProgram);
 
     int mousePointer_ = 0;
     bool loading_ = false;
     bool unloaded_ = false;
     QList<QLabel*> panels_;
     SingleInstance* instance_ = nullptr;
+    QList<QTreeWidgetItem*> nodes_;
+    QTreeWidgetItem* dropHighlight_ = nullptr;
+    TitleListModel* listModel_ = nullptr;
+    // Selections made by the program itself are no user events.
+    bool selectingListItem_ = false;
+    bool bUpdating_ = false;
 };
 
 // The one main window of the run, or null once it has been unloaded.

@@ -1,0 +1,19 @@
+// The other windows the main window's commands open. Each one is opened in exactly one place,
+// here, so that the busy flag and the mode flags around them stay with the commands.
+
+#include "shell/frmMain.h"
+
+void frmMain::ShowEditor() {}
+
+void frmMain::ShowSearch() {}
+
+void frmMain::ShowDatabaseWindow() {}
+
+void frmMain::ShowImportWindow() {}
+
+void frmMain::ShowExportWindow() {}
+
+bool frmMain::RunUpdate(QString& updateProgram) {
+    updateProgram.clear();
+    return false;
+}

@@ -1,0 +1,106 @@
+// The title commands of the main window, and hiding a platform's folder.
+
+#include <QSignalBlocker>
+
+#include "shell/frmMain.h"
+#include "shell/mGlobals.h"
+#include "store/catalogue.h"
+#include "store/fieldsizes.h"
+#include "toolkit/msgbox.h"
+#include "toolkit/vbruntime.h"
+
+void frmMain::NewTitle() {
+    if (MousePointer() != vbArrow) return;
+    gAddingTitle = true;
+    gModifyingTitle = false;
+    ShowEditor();
+}
+
+void frmMain::ModifyTitle() {
+    if (MousePointer() != vbArrow || ListItemCount() == 0 || focusName != "listview" ||
+        SelectedListIndex() < 0)
+        return;
+    SetMousePointer(vbHourglass);
+    gModifyingTitle = true;
+    gAddingTitle = false;
+    ShowEditor();
+    SetMousePointer(vbArrow);
+}
+
+void frmMain::DeleteTitle() {
+    if (MousePointer() != vbArrow) return;
+    QString name;
+    try {
+        const int row = SelectedListIndex();
+        if (focusName == "listview" && ListItemCount() > 0 && row >= 0) {
+            name = ListItemText(row);
+            const int answer = MsgBox("Are you sure you want to delete " + name + "?",
+                                      vbYesNoCancel | vbQuestion, "Confirm CD delete");
+            if (answer == vbYes) {
+                gCurrentTitleId = ListItemKey(row).mid(2).toLong();
+                gDatabase->Execute("DELETE from title where idcd = " +
+                                   QString::number(gCurrentTitleId));
+                RemoveListItem(row);
+                ListView1->viewport()->update();
+            }
+        }
+        // The count panel keeps its number until the next read.
+        if (gRecordset) gRecordset->Requery();
+    } catch (const VbError&) {
+        MsgBox("Error occured when trying to delete " + name, vbCritical);
+    }
+}
+
+void frmMain::RenameTitle(const QString& name) {
+    QString newName;
+    try {
+        newName = InputBox("Please enter a new title for CD " + name +
+                               "\n(Max.Length = " + QString::number(gLenTitle) + ")",
+                           "Rename CD-title", name)
+                      .trimmed()
+                      .left(gLenTitle);
+        if (newName == name || newName.isEmpty()) return;
+        auto title = gDatabase->OpenRecordset(
+            "select * from title where idcd = " + QString::number(gCurrentTitleId), dbOpenDynaset);
+        title->Edit();
+        title->Fields("nmcd").SetValue(newName);
+        title->Update();
+        const int row = SelectedListIndex();
+        if (row >= 0) SetListItem(row, newName, ListItemSubItems(row));
+    } catch (const VbError&) {
+        MsgBox("Error renaming CD-title to " + newName);
+    }
+}
+
+void frmMain::HideFolder(long id, const QString& name) {
+    try {
+        const int answer = MsgBox("Are you sure you want to hide this platform?\n\n" + name,
+                                  vbYesNoCancel | vbQuestion, "Hide platform");
+        if (answer != vbYes) return;
+        auto platform = gDatabase->OpenRecordset(
+            "select * from platform where idplatform = " + QString::number(id), dbOpenDynaset);
+        platform->Edit();
+        platform->Fields("visible").SetValue(false);
+        platform->Update();
+
+        QTreeWidgetItem* selected = SelectedNode();
+        if (!selected) return;
+        if (NodeIndex(selected) == gSelectedIndex) gSelectedIndex = 0;
+        RemoveNode(selected);
+    } catch (const VbError& error) {
+        MsgBox(error.Description, vbCritical);
+    }
+}
+
+void frmMain::RemoveNode(QTreeWidgetItem* node) {
+    QList<QTreeWidgetItem*> gone{node};
+    for (int at = 0; at < gone.size(); ++at)
+        for (int child = 0; child < gone[at]->childCount(); ++child) gone << gone[at]->child(child);
+    for (QTreeWidgetItem* item : gone) {
+        nodes_.removeAll(item);
+        if (item == dropHighlight_) dropHighlight_ = nullptr;
+    }
+    // Taking a node away is no click: the list stays as it is.
+    const QSignalBlocker blocker(TV1);
+    delete node;
+}

@@ -1,0 +1,386 @@
+// The main window's commands, driven through the real button bar, menus, mouse and keys.
+
+#include "shell/frmMain.h"
+#include "shell/frmSplash.h"
+#include "shell/mGlobals.h"
+#include "store/catalogue.h"
+#include "support/testsupport.h"
+#include "toolkit/vbruntime.h"
+
+namespace {
+
+long CountRows(const QString& sql) {
+    auto rows = gDatabase->OpenRecordset(sql, dbOpenDynaset);
+    if (rows->RecordCount() > 0) rows->MoveLast();
+    return rows->RecordCount();
+}
+
+QString ValueOf(const QString& sql, const QString& field) {
+    auto rows = gDatabase->OpenRecordset(sql, dbOpenDynaset);
+    return rows->IsEOF() ? QString() : NzText(rows->Fields(field).Value());
+}
+
+struct MenuState {
+    QStringList enabled;
+    bool searchEnabled = false;
+};
+
+}  // namespace
+
+class CommandsTest : public QObject {
+    Q_OBJECT
+
+  private:
+    TempProgramFolder* folder_ = nullptr;
+    ScriptedDialogs* dialogs_ = nullptr;
+
+    frmMain* form() { return gMainForm; }
+
+    QTreeWidgetItem* NodeWithKey(const QString& key) {
+        for (int index = 1; index <= form()->NodeCount(); ++index)
+            if (form()->NodeKey(form()->Node(index)) == key) return form()->Node(index);
+        return nullptr;
+    }
+
+    QPoint NodePoint(QTreeWidgetItem* node) {
+        form()->TV1->scrollToItem(node);
+        return form()->TV1->visualItemRect(node).center();
+    }
+
+    QPoint ListRowPoint(int row) {
+        QAbstractItemModel* model = form()->ListView1->model();
+        return form()->ListView1->visualRect(model->index(row, 0)).center();
+    }
+
+    // A point of the viewport below the last row, where no node or item lies.
+    static QPoint EmptySpot(QAbstractItemView* view) {
+        return QPoint(4, view->viewport()->height() - 4);
+    }
+
+    void RightClick(QAbstractItemView* view, const QPoint& point) {
+        QTest::mousePress(view->viewport(), Qt::RightButton, Qt::NoModifier, point);
+        QTest::mouseRelease(view->viewport(), Qt::RightButton, Qt::NoModifier, point);
+    }
+
+    // Right-clicks in the tree and reports what the menu offered while it was up; when
+    // choose is given, that item is then triggered as the user would pick it.
+    MenuState RightClickTree(const QPoint& point, QAction* choose = nullptr) {
+        MenuState state;
+        form()->PopupMenuHook = [&](QMenu* menu) {
+            QCOMPARE(menu, form()->mnuTreeviewContext);
+            for (QAction* item :
+                 {form()->mnuReadRecordsFromFolder, form()->mnuAddFolder, form()->mnuRenameFolder,
+                  form()->mnuDeleteFolder, form()->mnuHideFolder})
+                if (item->isEnabled()) state.enabled << item->objectName();
+            state.searchEnabled = form()->mnuSearchCD2->isEnabled();
+            if (choose) choose->trigger();
+        };
+        RightClick(form()->TV1, point);
+        form()->PopupMenuHook = {};
+        return state;
+    }
+
+    void SelectListRow(int row) {
+        QTest::mouseClick(form()->ListView1->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          ListRowPoint(row));
+        form()->ListView1->setFocus();
+        QCOMPARE(form()->SelectedListIndex(), row);
+        QCOMPARE(form()->focusName, QString("listview"));
+    }
+
+    void PressKey(QWidget* down, QWidget* up, Qt::Key key) {
+        QTest::keyPress(down, key);
+        QTest::keyRelease(up, key);
+    }
+
+  private slots:
+    void init() {
+        folder_ = new TempProgramFolder();
+        folder_->openCatalogue();
+        // Two audio titles, the first with two tracks.
+        gDatabase->Execute(
+            "insert into title (idcd, nmcd, nrcds, idvendor, idplatform, idtype, idspecific, "
+            "idmediatype) values (1, 'Blue Harbour', 1, 1, 1, 1, 1, 1)");
+        gDatabase->Execute(
+            "insert into title (idcd, nmcd, nrcds, idvendor, idplatform, idtype, idspecific, "
+            "idmediatype) values (2, 'Quiet Fields', 2, 1, 1, 2, 4, 1)");
+        gDatabase->Execute("insert into Tracks (idcd, TrackID, TrackName) values (1, 1, 'Dawn')");
+        gDatabase->Execute("insert into Tracks (idcd, TrackID, TrackName) values (1, 2, 'Dusk')");
+        folder_->closeCatalogue();
+
+        dialogs_ = new ScriptedDialogs();
+        gSplashForm = new frmSplash();
+        gMainForm = new frmMain();
+        gMainForm->Form_Load();
+        QVERIFY(gMainForm && !gMainForm->IsUnloaded());
+        gSplashForm->Timer->stop();
+        gMainForm->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(gMainForm));
+        QCOMPARE(gMainForm->MousePointer(), int(vbArrow));
+        QCOMPARE(gSelectedKey, QString("key1"));
+        QCOMPARE(gMainForm->ListItemCount(), 2);
+    }
+
+    void cleanup() {
+        if (gMainForm) {
+            gMainForm->SetMousePointer(vbArrow);
+            gMainForm->Unload();
+        }
+        if (gSplashForm) gSplashForm->Unload();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        delete dialogs_;
+        delete folder_;
+    }
+
+    void toolbarButtonsInOrderWithCaptionsAndTooltips() {
+        QToolBar* bar = form()->Toolbar1;
+        QStringList keys;
+        for (QAction* button : bar->actions())
+            keys << (button->isSeparator() ? QString("|") : button->data().toString());
+        QCOMPARE(keys, QStringList({"addcd", "modifycd", "deletecd", "|", "maintenance", "search",
+                                    "|", "import", "export", "|", "help", "update", "|", "quit"}));
+        QCOMPARE(form()->ToolbarButton("maintenance")->text(), QString("Database"));
+        QCOMPARE(form()->ToolbarButton("modifycd")->toolTip(),
+                 QString("Modify information about the selected cd-title"));
+        QCOMPARE(form()->ToolbarButton("export")->toolTip(),
+                 QString("Export cd-titles to a program, HTML or the clipboard"));
+        QCOMPARE(form()->ToolbarButton("help")->toolTip(),
+                 QString("Help about how to use Velmora"));
+        QCOMPARE(form()->ToolbarButton("quit")->toolTip(), QString("Quit Velmora"));
+        QCOMPARE(form()->ToolbarButton("update")->text(), QString("Update"));
+        for (QAction* button : bar->actions())
+            if (!button->isSeparator()) QVERIFY(!button->icon().isNull());
+        QCOMPARE(bar->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+        QCOMPARE(bar->iconSize(), QSize(24, 24));
+
+        form()->Toolbar1_ButtonClick("coolbar");
+        QCOMPARE(dialogs_->msgBoxes.size(), 1);
+        QCOMPARE(dialogs_->msgBoxes[0].prompt, QString("Invalid option!"));
+        QCOMPARE(dialogs_->msgBoxes[0].flags, 16);
+        QCOMPARE(dialogs_->msgBoxes[0].title, QString("Coolbar"));
+    }
+
+    void toolbarCommandsWaitForTheArrow() {
+        gAddingTitle = false;
+        form()->SetMousePointer(vbHourglass);
+        form()->ToolbarButton("addcd")->trigger();
+        QVERIFY(!gAddingTitle);
+        form()->ToolbarButton("quit")->trigger();
+        QVERIFY(!form()->IsUnloaded());
+
+        form()->SetMousePointer(vbArrow);
+        gModifyingTitle = true;
+        form()->ToolbarButton("addcd")->trigger();
+        QVERIFY(gAddingTitle);
+        QVERIFY(!gModifyingTitle);
+
+        // Modify needs a selected title in the list that has the focus; it gives the arrow
+        // back when the editor closes.
+        SelectListRow(0);
+        form()->ToolbarButton("modifycd")->trigger();
+        QVERIFY(gModifyingTitle);
+        QVERIFY(!gAddingTitle);
+        QCOMPARE(form()->MousePointer(), int(vbArrow));
+
+        QPointer<frmMain> window = form();
+        window->ToolbarButton("quit")->trigger();
+        QVERIFY(window.isNull() || window->IsUnloaded());
+        QVERIFY(!gMainForm);
+    }
+
+    void treeContextMenuOffersWhatTheNodeAllows() {
+        QTreeWidgetItem* selectedBefore = form()->SelectedNode();
+
+        MenuState platform = RightClickTree(NodePoint(NodeWithKey("key3")));
+        QCOMPARE(platform.enabled,
+                 QStringList({"mnuReadRecordsFromFolder", "mnuAddFolder", "mnuRenameFolder",
+                              "mnuDeleteFolder", "mnuHideFolder"}));
+        QVERIFY(!platform.searchEnabled);
+        // A right click on another node neither selects nor reads it.
+        QCOMPARE(form()->SelectedNode(), selectedBefore);
+        QCOMPARE(gSelectedKey, QString("key1"));
+        QVERIFY(!form()->DropHighlight());
+
+        NodeWithKey("key3")->setExpanded(true);
+        MenuState type = RightClickTree(NodePoint(NodeWithKey("key3key10")));
+        QCOMPARE(type.enabled, QStringList({"mnuReadRecordsFromFolder", "mnuAddFolder",
+                                            "mnuRenameFolder", "mnuDeleteFolder"}));
+
+        MenuState root = RightClickTree(NodePoint(NodeWithKey("root")));
+        QCOMPARE(root.enabled, QStringList({"mnuReadRecordsFromFolder", "mnuAddFolder"}));
+        QVERIFY(!root.searchEnabled);
+
+        MenuState search = RightClickTree(NodePoint(NodeWithKey("search")));
+        QVERIFY(search.enabled.isEmpty());
+        QVERIFY(!search.searchEnabled);
+
+        // Beside the nodes the rules apply to the selected platform, and Search is offered.
+        NodeWithKey("key3")->setExpanded(false);
+        QVERIFY(!form()->TV1->itemAt(EmptySpot(form()->TV1)));
+        MenuState beside = RightClickTree(EmptySpot(form()->TV1));
+        QCOMPARE(beside.enabled,
+                 QStringList({"mnuReadRecordsFromFolder", "mnuAddFolder", "mnuRenameFolder",
+                              "mnuDeleteFolder", "mnuHideFolder"}));
+        QVERIFY(beside.searchEnabled);
+
+        // Open reads the folder that was right-clicked.
+        RightClickTree(NodePoint(NodeWithKey("key3")), form()->mnuReadRecordsFromFolder);
+        QCOMPARE(form()->NodeKey(form()->SelectedNode()), QString("key3"));
+        QCOMPARE(gSelectedKey, QString("key3"));
+        QCOMPARE(gRequestedKey, QString("key3"));
+        QCOMPARE(form()->ListItemCount(), 0);
+        QCOMPARE(form()->lastTreeButton, 1);
+    }
+
+    void listContextMenuOffersTitleItemsOnlyOnAnItem() {
+        QStringList enabled;
+        form()->PopupMenuHook = [&](QMenu* menu) {
+            QCOMPARE(menu, form()->mnuListviewContext);
+            for (QAction* item : menu->actions())
+                if (!item->isSeparator() && item->isEnabled()) enabled << item->objectName();
+        };
+        SelectListRow(1);
+        RightClick(form()->ListView1, ListRowPoint(0));
+        QCOMPARE(enabled, QStringList({"mnuViewProperties", "mnuNewCD", "mnuRenameCD",
+                                       "mnuDeleteCD", "mnuSearchCD1", "mnuListviewMaintenance"}));
+
+        enabled.clear();
+        SelectListRow(1);
+        QVERIFY(!form()->ListView1->indexAt(EmptySpot(form()->ListView1)).isValid());
+        RightClick(form()->ListView1, EmptySpot(form()->ListView1));
+        QCOMPARE(enabled, QStringList({"mnuNewCD", "mnuSearchCD1", "mnuListviewMaintenance"}));
+        QCOMPARE(form()->SelectedListIndex(), -1);
+        form()->PopupMenuHook = {};
+
+        // Nothing selected: the title commands have nothing to act on.
+        form()->mnuDeleteCD->trigger();
+        form()->mnuRenameCD->trigger();
+        QVERIFY(dialogs_->msgBoxes.isEmpty());
+        QVERIFY(dialogs_->inputs.isEmpty());
+    }
+
+    void doubleClickOpensOnlyAClickedTitle() {
+        gModifyingTitle = false;
+        QTest::mouseDClick(form()->ListView1->viewport(), Qt::LeftButton, Qt::NoModifier,
+                           EmptySpot(form()->ListView1));
+        QVERIFY(!gModifyingTitle);
+
+        SelectListRow(0);
+        QTest::mouseDClick(form()->ListView1->viewport(), Qt::LeftButton, Qt::NoModifier,
+                           ListRowPoint(0));
+        QVERIFY(gModifyingTitle);
+        QVERIFY(!form()->listItemClicked);
+    }
+
+    void deleteKeyInListAsksAndDeletesTheTitleWithItsTracks() {
+        const QString countBefore = form()->PanelText(2);
+        const int row = form()->ListIndexOfKey("id1");
+        SelectListRow(row);
+
+        dialogs_->answerMsgBox(vbNo);
+        PressKey(form()->ListView1, form()->ListView1, Qt::Key_Delete);
+        QCOMPARE(dialogs_->msgBoxes.size(), 1);
+        QCOMPARE(dialogs_->msgBoxes[0].prompt,
+                 QString("Are you sure you want to delete Blue Harbour?"));
+        QCOMPARE(dialogs_->msgBoxes[0].flags, 35);
+        QCOMPARE(dialogs_->msgBoxes[0].title, QString("Confirm CD delete"));
+        QCOMPARE(form()->ListItemCount(), 2);
+        QCOMPARE(CountRows("select * from title"), 2L);
+
+        dialogs_->answerMsgBox(vbYes);
+        PressKey(form()->ListView1, form()->ListView1, Qt::Key_Delete);
+        QCOMPARE(dialogs_->msgBoxes.size(), 2);
+        QCOMPARE(form()->ListItemCount(), 1);
+        QCOMPARE(form()->ListIndexOfKey("id1"), -1);
+        QCOMPARE(gCurrentTitleId, 1L);
+        QCOMPARE(CountRows("select * from title where idcd = 1"), 0L);
+        QCOMPARE(CountRows("select * from Tracks where idcd = 1"), 0L);
+        QCOMPARE(CountRows("select * from title where idcd = 2"), 1L);
+        QCOMPARE(form()->PanelText(2), countBefore);
+    }
+
+    void renameTitleCancelAndCutToTheColumn() {
+        const int row = form()->ListIndexOfKey("id2");
+        SelectListRow(row);
+        QCOMPARE(gCurrentTitleId, 2L);
+
+        dialogs_->answerInput(QString());
+        PressKey(form()->ListView1, form()->ListView1, Qt::Key_F2);
+        QCOMPARE(dialogs_->inputs.size(), 1);
+        QCOMPARE(dialogs_->inputs[0].prompt,
+                 QString("Please enter a new title for CD Quiet Fields\n(Max.Length = 150)"));
+        QCOMPARE(dialogs_->inputs[0].title, QString("Rename CD-title"));
+        QCOMPARE(dialogs_->inputs[0].defaultText, QString("Quiet Fields"));
+        QCOMPARE(ValueOf("select * from title where idcd = 2", "nmcd"), QString("Quiet Fields"));
+        QCOMPARE(form()->ListItemText(form()->ListIndexOfKey("id2")), QString("Quiet Fields"));
+
+        const QString longName = QString(160, 'x') + "yz";
+        dialogs_->answerInput("  " + longName + "  ");
+        form()->mnuRenameCD->trigger();
+        QCOMPARE(ValueOf("select * from title where idcd = 2", "nmcd"), longName.left(150));
+        QCOMPARE(form()->ListItemText(form()->ListIndexOfKey("id2")), longName.left(150));
+        QCOMPARE(ValueOf("select * from title where idcd = 1", "nmcd"), QString("Blue Harbour"));
+        QVERIFY(dialogs_->msgBoxes.isEmpty());
+    }
+
+    void deletingABuiltInPlatformIsRefused() {
+        const int nodesBefore = form()->NodeCount();
+        RightClickTree(NodePoint(NodeWithKey("key2")), form()->mnuDeleteFolder);
+        QCOMPARE(dialogs_->msgBoxes.size(), 1);
+        QCOMPARE(dialogs_->msgBoxes[0].title, QString("Unable to delete platform"));
+        QVERIFY(dialogs_->msgBoxes[0].prompt.startsWith(
+            "These folders cannot be deleted since they are a part of the program."));
+        QCOMPARE(dialogs_->msgBoxes[0].flags & 0x70, int(vbInformation));
+        QCOMPARE(form()->NodeCount(), nodesBefore);
+        QCOMPARE(CountRows("select * from platform where idplatform = 2"), 1L);
+    }
+
+    void hidingTheSelectedPlatformRemovesItsNode() {
+        const int nodesBefore = form()->NodeCount();
+        QCOMPARE(form()->NodeKey(form()->SelectedNode()), QString("key1"));
+
+        dialogs_->answerMsgBox(vbNo);
+        RightClickTree(NodePoint(NodeWithKey("key1")), form()->mnuHideFolder);
+        QCOMPARE(dialogs_->msgBoxes[0].prompt,
+                 QString("Are you sure you want to hide this platform?\n\nAudio"));
+        QCOMPARE(dialogs_->msgBoxes[0].flags, 35);
+        QCOMPARE(dialogs_->msgBoxes[0].title, QString("Hide platform"));
+        QCOMPARE(form()->NodeCount(), nodesBefore);
+        QCOMPARE(ValueOf("select * from platform where idplatform = 1", "visible"), QString("1"));
+
+        dialogs_->answerMsgBox(vbYes);
+        int indexWhileMenuUp = -1;
+        form()->PopupMenuHook = [&](QMenu*) {
+            form()->mnuHideFolder->trigger();
+            indexWhileMenuUp = gSelectedIndex;
+        };
+        RightClick(form()->TV1, NodePoint(NodeWithKey("key1")));
+        form()->PopupMenuHook = {};
+        QCOMPARE(indexWhileMenuUp, 0);
+        QVERIFY(!NodeWithKey("key1"));
+        QVERIFY(form()->NodeCount() < nodesBefore);
+        QCOMPARE(ValueOf("select * from platform where idplatform = 1", "visible"), QString("0"));
+    }
+
+    void keyUpCountsOnlyAfterKeyDownInTheSameControl() {
+        SelectListRow(form()->ListIndexOfKey("id1"));
+        // Down in the tree, up in the list: the list saw no key-down.
+        PressKey(form()->TV1, form()->ListView1, Qt::Key_Delete);
+        QVERIFY(dialogs_->msgBoxes.isEmpty());
+
+        // A whole key in the tree clears its flag; then down in the list and up in the tree.
+        PressKey(form()->TV1, form()->TV1, Qt::Key_Control);
+        PressKey(form()->ListView1, form()->TV1, Qt::Key_Delete);
+        QVERIFY(dialogs_->msgBoxes.isEmpty());
+        QCOMPARE(CountRows("select * from title"), 2L);
+
+        // Insert in the tree on a platform adds a type under it.
+        dialogs_->answerInput(QString());
+        PressKey(form()->TV1, form()->TV1, Qt::Key_Insert);
+        QCOMPARE(dialogs_->inputs.size(), 1);
+        QCOMPARE(dialogs_->inputs[0].title, QString("Add type"));
+    }
+};
+
+VELMORA_TEST_MAIN(CommandsTest)
+#include "commands_test.moc"
