@@ -103,6 +103,20 @@ class frmEditTest : public QObject {
         QCOMPARE(form->cmdTracks->text(), form->ListingCaption());
         form->Unload();
         QVERIFY(!gEditForm);
+
+        // The main window's commands run the editor modally; Escape ends it.
+        gAddingTitle = true;
+        gModifyingTitle = false;
+        QString opened;
+        QTimer::singleShot(0, [&opened] {
+            auto* modal = qobject_cast<frmEdit*>(QApplication::activeModalWidget());
+            QVERIFY(modal);
+            opened = modal->windowTitle();
+            QTest::keyClick(modal->txtTitle, Qt::Key_Escape);
+        });
+        ShowEditForm();
+        QCOMPARE(opened, QString("Add Title"));
+        QVERIFY(!gEditForm);
     }
 
     void editRoadLoadsEveryField() {
