@@ -1,0 +1,116 @@
+#pragma once
+
+#include <QDialog>
+#include <QString>
+#include <array>
+
+class QComboBox;
+class QFrame;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+class ctlGoldButton;
+class frmTracksListing;
+
+// The modal window through which one title is added or changed. gAddingTitle or
+// gModifyingTitle (and gCurrentTitleId for a change) tell it how it was opened.
+class frmEdit : public QDialog {
+    Q_OBJECT
+  public:
+    explicit frmEdit(QWidget* parent = nullptr);
+    ~frmEdit() override;
+
+    // Fills the lists and takes the road of the opening: preselection from the tree on an add,
+    // the stored title on a change.
+    void Form_Load();
+    // Closes the window, refreshes the main window and selects the title there.
+    void Unload();
+
+    // The captions of cmdTracks by which this window and the tracks editor tell tracks from
+    // listing.
+    QString TracksCaption() const { return tracksCaption_; }
+    QString ListingCaption() const { return listingCaption_; }
+    // The tracks editor while it is loaded, else null.
+    frmTracksListing* TracksListing() const { return tracksListing_; }
+
+    int MousePointer() const { return mousePointer_; }
+    void SetMousePointer(int pointer);
+
+    void Combo1_Click(int index);
+    // The gold buttons; index 0 add, 1 rename, 2 delete.
+    void cmdPlatform_Click(int index);
+    void cmdVendor_Click(int index);
+    void cmdType_Click(int index);
+    void cmdSpecific_Click(int index);
+    void cmdMediatype_Click(int index);
+    void cmdTracks_Click();
+    void cmdCancel_Click();
+    // Validates, writes the title and its tracks or listing, updates the main window's list
+    // and closes the window.
+    void cmdOK_Click();
+
+    QLineEdit* txtTitle;
+    QLineEdit* Text2;
+    QPlainTextEdit* Memo;
+    QLabel* lblCreated;
+    QLabel* lblModified;
+    QPushButton* cmdTracks;
+    QPushButton* cmdOK;
+    QPushButton* cmdCancel;
+    QFrame* Frame1;
+    // 0 platform, 1 vendor ("by"), 2 type, 3 specific item, 4 mediatype, 5 rating,
+    // 6 number of cds; every row carries its record id as item data.
+    std::array<QComboBox*, 7> Combo1;
+    std::array<ctlGoldButton*, 3> cmdPlatform;
+    std::array<ctlGoldButton*, 3> cmdVendor;
+    std::array<ctlGoldButton*, 3> cmdType;
+    std::array<ctlGoldButton*, 3> cmdSpecific;
+    std::array<ctlGoldButton*, 3> cmdMediatype;
+
+    bool TracksEdited = false;
+    // The next key-up in a field does nothing: its key-down went to another window.
+    bool IgnoreKeyUp = false;
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void reject() override;
+
+  private:
+    using LookupOperation = QString (*)(int, long, QString&);
+
+    void BuildWindow();
+    std::array<ctlGoldButton*, 3> BuildGoldButtons(const QString& name,
+                                                   const std::array<QString, 3>& tooltips,
+                                                   void (frmEdit::*handler)(int));
+    void LoadAddRoad();
+    void LoadEditRoad();
+    void FillList(int index, const QString& sql, const QString& textField, const QString& idField);
+    // Selects the first row of the list whose item data is id; false when there is none.
+    bool SelectItemData(int index, const QVariant& id);
+    long ItemData(int index) const;
+    // The number at the start of a tree key's tail, 0 when there is none.
+    static long Val(const QString& text);
+    void GoldButtonClick(int list, LookupOperation operation, int index);
+
+    bool Validate();
+    void WriteTitle();
+    void WriteTracks(const QString& text);
+    void WriteListing(const QString& text);
+    void UpdateMainList();
+
+    QString tracksCaption_;
+    QString listingCaption_;
+    frmTracksListing* tracksListing_ = nullptr;
+    int mousePointer_ = 1;
+    bool unloaded_ = false;
+};
+
+// The open title editor, or null.
+extern frmEdit* gEditForm;
+
+// Opens the title editor modally over the main window, on the road that gAddingTitle and
+// gModifyingTitle name.
+void ShowEditForm();

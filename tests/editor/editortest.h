@@ -1,0 +1,126 @@
+#pragma once
+
+// What the title editor's tests share: the running program in a folder of its own, the editor
+// opened on either road, and a few reads of the catalogue.
+
+#include <QComboBox>
+#include <QPointer>
+#include <QPushButton>
+#include <memory>
+
+#include "editor/frmEdit.h"
+#include "editor/frmTracksListing.h"
+#include "lookups/viewqueries.h"
+#include "shell/frmMain.h"
+#include "shell/frmSplash.h"
+#include "shell/mGlobals.h"
+#include "store/catalogue.h"
+#include "support/testsupport.h"
+#include "toolkit/vbruntime.h"
+
+namespace editortest {
+
+inline const QString kCrLf = "\r\n";
+
+// The program started as its entry point starts it, and unloaded at the end.
+class RunningProgram {
+  public:
+    RunningProgram() {
+        folder.installTemplate();
+        gSplashForm = new frmSplash();
+        gMainForm = new frmMain();
+        gMainForm->Form_Load();
+    }
+    ~RunningProgram() {
+        if (gEditForm) gEditForm->Unload();
+        if (gMainForm) {
+            gMainForm->SetMousePointer(vbArrow);
+            gMainForm->Unload();
+        }
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    TempProgramFolder folder;
+};
+
+inline QTreeWidgetItem* NodeByKey(const QString& key) {
+    for (int index = 1; index <= gMainForm->NodeCount(); ++index) {
+        QTreeWidgetItem* node = gMainForm->Node(index);
+        if (gMainForm->NodeKey(node) == key) return node;
+    }
+    return nullptr;
+}
+
+// Selects the node and reads its list at once.
+inline void SelectNode(const QString& key) {
+    QTreeWidgetItem* node = NodeByKey(key);
+    QVERIFY2(node, qPrintable("no tree node " + key));
+    ForceSelectNode(gMainForm->NodeIndex(node));
+}
+
+// The editor as the main window's commands open it, shown rather than run, so that the test
+// keeps the control.
+inline QPointer<frmEdit> OpenEditor(bool adding, long titleId = 0) {
+    gAddingTitle = adding;
+    gModifyingTitle = !adding;
+    if (!adding) gCurrentTitleId = titleId;
+    gEditForm = new frmEdit(gMainForm);
+    gEditForm->Form_Load();
+    gEditForm->show();
+    return gEditForm;
+}
+
+inline void ChooseText(QComboBox* combo, const QString& text) {
+    const int row = combo->findText(text);
+    QVERIFY2(row >= 0, qPrintable("no row " + text + " in " + combo->objectName()));
+    combo->setCurrentIndex(row);
+}
+
+inline QStringList Texts(const QComboBox* combo) {
+    QStringList texts;
+    for (int row = 0; row < combo->count(); ++row) texts << combo->itemText(row);
+    return texts;
+}
+
+// Runs work on the modal window that the next command opens.
+template <typename Work>
+void OnNextModal(Work work) {
+    QTimer::singleShot(0, [work] {
+        auto* dialog = qobject_cast<frmTracksListing*>(QApplication::activeModalWidget());
+        QVERIFY(dialog);
+        work(dialog);
+    });
+}
+
+// Opens the tracks editor, replaces its text as typed lines, and leaves by OK.
+inline void TypeTracks(frmEdit* form, const QStringList& lines) {
+    OnNextModal([lines](frmTracksListing* dialog) {
+        dialog->Text1->clear();
+        for (int index = 0; index < lines.size(); ++index) {
+            if (index > 0) QTest::keyClick(dialog->Text1, Qt::Key_Return);
+            QTest::keyClicks(dialog->Text1, lines[index]);
+        }
+        QTest::mouseClick(dialog->cmdOK, Qt::LeftButton);
+    });
+    QTest::mouseClick(form->cmdTracks, Qt::LeftButton);
+}
+
+inline QVariant Scalar(const QString& sql) {
+    auto records = gDatabase->OpenRecordset(sql, dbOpenSnapshot);
+    return records->IsEOF() ? QVariant() : records->Fields(0).Value();
+}
+
+inline long TitleCount() {
+    return Scalar("select count(*) from title").toLongLong();
+}
+
+// A title written straight to the catalogue, for the edit road.
+inline long StoreTitle(const QString& values) {
+    gDatabase->Execute(
+        "insert into title (nmcd, nrcds, idvendor, idplatform, idtype, idspecific, idmediatype, "
+        "label, iddevicetype, rating, created, modified, memo, listing) values (" +
+        values + ")");
+    return Scalar("select max(idcd) from title").toLongLong();
+}
+
+}  // namespace editortest
