@@ -1,9 +1,12 @@
 // The other windows the main window's commands open. Each one is opened in exactly one place,
 // here, so that the busy flag and the mode flags around them stay with the commands.
 
+#include "editor/frmEdit.h"
 #include "shell/frmMain.h"
 
-void frmMain::ShowEditor() {}
+void frmMain::ShowEditor() {
+    ShowEditForm();
+}
 
 void frmMain::ShowSearch() {}
 
