@@ -12,6 +12,7 @@
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
 #include "store/guardedfile.h"
+#include "store/widentextcolumn.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
 
@@ -152,6 +153,14 @@ void frmMain::Form_Load() {
         MsgBox(error.Description);
         Unload();
         return;
+    }
+    if (gLenLabel < 32) {
+        try {
+            WidenTextColumn("label", 32);
+        } catch (const VbError& error) {
+            ReportUnableToLoad(error);
+            return;
+        }
     }
 
     loading_ = false;

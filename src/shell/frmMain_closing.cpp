@@ -7,6 +7,7 @@
 #include "shell/frmSplash.h"
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
+#include "store/frmPerformAction.h"
 #include "store/guardedfile.h"
 #include "toolkit/vbruntime.h"
 
@@ -52,6 +53,9 @@ void frmMain::Form_Unload() {
                 SetAttr(gDatabasePath, vbArchive);
         } catch (const VbError&) {
         }
+        (new frmPerformAction())
+            ->PerformAction(frmPerformAction::CompactMainDatabase, this, false, QString(),
+                            QString(), false);
         try {
             if (FileExists(gDatabasePath)) FlipDatabaseHeader(gDatabasePath, kGuardHeader);
         } catch (const VbError&) {
