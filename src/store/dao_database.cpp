@@ -1,0 +1,104 @@
+// Database: statements on one open catalogue file.
+
+#include <QFileInfo>
+
+#include "store/adaptedsql.h"
+#include "store/dao_detail.h"
+#include "store/sqltext.h"
+
+namespace dao_detail {
+
+Connection::~Connection() {
+    Close();
+}
+
+void Connection::Close() {
+    if (!db) return;
+    // Every statement must be finalized, or SQLite keeps the file (and its lock) open.
+    for (RecordsetData* recordset : recordsets) recordset->Detach();
+    recordsets.clear();
+    sqlite3_close(db);
+    db = nullptr;
+}
+
+sqlite3_stmt* PrepareOne(const Connection& connection, const QString& sql) {
+    if (!connection.db) Raise(3420);
+    const QByteArray text = AdaptStatement(sql).toUtf8();
+    sqlite3_stmt* statement = nullptr;
+    const char* tail = nullptr;
+    if (sqlite3_prepare_v2(connection.db, text.constData(), static_cast<int>(text.size()),
+                           &statement, &tail) != SQLITE_OK)
+        RaiseSqlite(connection);
+    if (!statement) Raise(3129);
+    if (!sqltext::OnlyBlanksAndSemicolons(tail)) {
+        sqlite3_finalize(statement);
+        Raise(jetCharactersAfterEnd);
+    }
+    return statement;
+}
+
+QVariantList RunInternal(const Connection& connection, const QString& sql,
+                         const std::vector<QVariant>& values) {
+    if (!connection.db) Raise(3420);
+    sqlite3_stmt* statement = nullptr;
+    if (sqlite3_prepare_v2(connection.db, sql.toUtf8().constData(), -1, &statement, nullptr) !=
+        SQLITE_OK)
+        RaiseSqlite(connection);
+    for (size_t i = 0; i < values.size(); ++i) Bind(statement, static_cast<int>(i) + 1, values[i]);
+    const int result = sqlite3_step(statement);
+    QVariantList first;
+    if (result == SQLITE_ROW) {
+        const int columns = sqlite3_column_count(statement);
+        const CachedRow row = CachedRow::FromStatement(statement, columns);
+        for (int i = 0; i < columns; ++i) first << row.Value(i);
+    }
+    if (result != SQLITE_ROW && result != SQLITE_DONE) RaiseSqlite(connection, statement);
+    sqlite3_finalize(statement);
+    return first;
+}
+
+QString Quoted(const QString& identifier) {
+    return '"' + QString(identifier).replace('"', "\"\"") + '"';
+}
+
+}  // namespace dao_detail
+
+using namespace dao_detail;
+
+Database::Database() = default;
+
+Database::~Database() {
+    Close();
+}
+
+void Database::Execute(const QString& sql, int) {
+    if (!IsOpen()) Raise(3420);
+    sqlite3_stmt* statement = PrepareOne(*connection_, sql);
+    if (sqlite3_column_count(statement) > 0) {
+        sqlite3_finalize(statement);
+        Raise(3065);
+    }
+    if (sqlite3_step(statement) != SQLITE_DONE) RaiseSqlite(*connection_, statement);
+    sqlite3_finalize(statement);
+    connection_->recordsAffected = sqlite3_changes(connection_->db);
+}
+
+long Database::RecordsAffected() const {
+    return connection_ ? connection_->recordsAffected : 0;
+}
+
+void Database::Close() {
+    if (connection_) connection_->Close();
+}
+
+bool Database::IsOpen() const {
+    return connection_ && connection_->db;
+}
+
+QString Database::Name() const {
+    return connection_ ? connection_->path : QString();
+}
+
+sqlite3* Database::Handle() const {
+    return connection_ ? connection_->db : nullptr;
+}

@@ -1,0 +1,104 @@
+#pragma once
+
+// The insides of the DAO-style layer, shared by its source files only.
+
+#include <sqlite3.h>
+
+#include <QHash>
+#include <QString>
+#include <memory>
+#include <vector>
+
+#include "store/dao.h"
+#include "store/rowcache.h"
+
+namespace dao_detail {
+
+struct Connection {
+    sqlite3* db = nullptr;
+    QString path;
+    long recordsAffected = 0;
+    // Open recordsets lose their statements when the database closes.
+    std::vector<RecordsetData*> recordsets;
+
+    ~Connection();
+    void Close();
+};
+
+struct Column {
+    QString name;    // as the statement names it
+    QString table;   // the table it comes from; empty for an expression
+    QString origin;  // its name in that table
+    QString declaredType;
+    int rowidColumn = -1;  // statement column holding its table's rowid, -1 when unknown
+    bool counter = false;  // the table's INTEGER PRIMARY KEY
+};
+
+enum class EditMode { None, Edit, Add };
+
+struct RecordsetData {
+    std::shared_ptr<Connection> connection;
+    QString source;  // as the caller gave it
+    QString sql;     // the statement as the recordset runs it, before the rowids are added
+    QString table;   // of a table-type recordset
+    int type = dbOpenDynaset;
+    int options = 0;
+    sqlite3_stmt* statement = nullptr;
+    int statementColumns = 0;  // the fields, then one rowid per table
+    std::vector<Column> columns;
+    std::vector<QString> rowidTables;  // the table of each rowid column, in order
+    QHash<QString, int> qualifiedNames;
+    QHash<QString, int> plainNames;
+
+    std::vector<CachedRow> rows;
+    bool exhausted = false;
+    bool closed = false;
+    long position = -1;  // current row; -1 before the first
+    bool eof = false;
+    bool currentDeleted = false;  // position then holds the row after the deleted one
+    long tableCount = 0;
+
+    QString filter;
+    QString sort;
+    EditMode editMode = EditMode::None;
+    std::vector<QVariant> pending;
+    std::vector<bool> changed;
+
+    ~RecordsetData();
+    void Detach();
+
+    void RequireOpen() const;
+    void RequireCurrent() const;
+    bool HasCurrent() const { return !eof && !currentDeleted && position >= 0; }
+    // Steps the statement until row index exists; false when the rows end first.
+    bool FetchTo(long index);
+    void FetchAll();
+    void Start();
+    QVariant CachedValue(int column) const;
+    // The field as the program sees it: the edited value between AddNew or Edit and Update.
+    QVariant Read(int column);
+    void Write(int column, const QVariant& value);
+    QVariant ReserveCounter(int column);
+    bool Updatable() const;
+    void RequireUpdatable() const;
+    int RowidColumn(const QString& table) const;
+};
+
+// Records the error for DBEngine::Errors and throws it.
+[[noreturn]] void Raise(int number, const QString& description = QString());
+// Throws the connection's last SQLite error as Jet would report the same refusal, after
+// finalizing the failed statement, if given.
+[[noreturn]] void RaiseSqlite(const Connection& connection, sqlite3_stmt* failed = nullptr);
+QString JetText(int number);
+
+// Adapts the statement, prepares it and refuses a second statement after it.
+sqlite3_stmt* PrepareOne(const Connection& connection, const QString& sql);
+// Runs a statement of the layer's own, with bound values; returns its first row, if any.
+QVariantList RunInternal(const Connection& connection, const QString& sql,
+                         const std::vector<QVariant>& values = {});
+QString Quoted(const QString& identifier);
+
+// Bytes of a number column, declared width of a text column.
+int DeclaredSize(const QString& declaredType);
+
+}  // namespace dao_detail

@@ -1,0 +1,76 @@
+// DBEngine: opening catalogue files, compacting them and writing their password check.
+
+#include <unistd.h>
+
+#include <QFile>
+#include <QFileInfo>
+
+#include "store/dao_detail.h"
+#include "store/jetlike.h"
+#include "store/passwordcheck.h"
+
+using namespace dao_detail;
+
+namespace {
+
+void Run(const Connection& connection, const char* sql) {
+    if (sqlite3_exec(connection.db, sql, nullptr, nullptr, nullptr) != SQLITE_OK)
+        RaiseSqlite(connection);
+}
+
+std::shared_ptr<Connection> Open(const QString& path, bool exclusive, bool readOnly) {
+    if (!QFileInfo::exists(path)) Raise(jetCouldNotFindFile, "Could not find file '" + path + "'.");
+    auto connection = std::make_shared<Connection>();
+    connection->path = path;
+    const int flags = readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    if (sqlite3_open_v2(QFile::encodeName(path).constData(), &connection->db, flags, nullptr) !=
+        SQLITE_OK)
+        RaiseSqlite(*connection);
+    Run(*connection, "PRAGMA foreign_keys = ON");
+    if (exclusive) {
+        // Take the lock now rather than at the first write, so that no other process can open
+        // the file in between.
+        Run(*connection, "PRAGMA locking_mode = EXCLUSIVE");
+        Run(*connection,
+            readOnly ? "SELECT count(*) FROM sqlite_master" : "BEGIN EXCLUSIVE; COMMIT");
+    } else {
+        // Reading the schema tells at once whether this is a database at all.
+        Run(*connection, "SELECT count(*) FROM sqlite_master");
+    }
+    jetlike::Register(connection->db);
+    return connection;
+}
+
+void RequirePassword(const Connection& connection, const QString& connect) {
+    if (!passwordcheck::Matches(connection.db, passwordcheck::FromConnectString(connect)))
+        Raise(jetNotValidPassword);
+}
+
+}  // namespace
+
+std::unique_ptr<Database> DBEngine::OpenDatabase(const QString& path, bool exclusive, bool readOnly,
+                                                 const QString& connect) {
+    std::unique_ptr<Database> database(new Database);
+    database->connection_ = Open(path, exclusive, readOnly);
+    RequirePassword(*database->connection_, connect);
+    return database;
+}
+
+void DBEngine::CompactDatabase(const QString& source, const QString& target, const QString&, int,
+                               const QString& password) {
+    // Locale and format belong to Jet; an SQLite file has one of each.
+    if (QFileInfo::exists(target)) Raise(jetFileAlreadyExists);
+    const auto connection = Open(source, true, false);
+    RequirePassword(*connection, password);
+    RunInternal(*connection, "VACUUM INTO ?", {target});
+    connection->Close();
+    // The compacted file replaces the catalogue next: it must be on the disk before that.
+    QFile written(target);
+    if (!written.open(QIODevice::ReadWrite) || ::fsync(written.handle()) != 0)
+        Raise(3043, "Disk or network error.");
+}
+
+void DBEngine::SetDatabasePassword(const QString& path, const QString& password) {
+    const auto connection = Open(path, true, false);
+    passwordcheck::Write(connection->db, password);
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+// Reading and reshaping the text of a statement: enough of SQL's shape to find the clauses of
+// a select at its top level (outside brackets, parentheses and quotes).
+
+#include <QString>
+#include <QStringList>
+
+namespace sqltext {
+
+// A source that names one table ("title", "[title]") gives its name; a statement gives "".
+QString BareTableName(const QString& source);
+
+// True when nothing but blanks and ';' follows the first statement.
+bool OnlyBlanksAndSemicolons(const char* tail);
+
+// The statement with filter joined to its where clause and sort replacing its order by, as
+// DAO applies a recordset's Filter and Sort when a recordset is opened on it.
+QString WithFilterAndSort(const QString& sql, const QString& filter, const QString& sort);
+
+// The select with extra columns at the end of its column list; "" when the statement is no
+// plain select (distinct, grouped, compound) and so has no rows of single tables to point at.
+QString WithExtraColumns(const QString& sql, const QStringList& columns);
+
+}  // namespace sqltext

@@ -1,0 +1,215 @@
+// Reading the catalogue: fields over joins, values, counts, moves and the statements the store
+// refuses.
+
+#include "store/catalogue.h"
+#include "support/testsupport.h"
+#include "store/storetest.h"
+
+class DaoQueryTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void init() {
+        folder_ = std::make_unique<TempProgramFolder>();
+        folder_->openCatalogue();
+    }
+    void cleanup() { folder_.reset(); }
+
+    void joinGivesQualifiedAndPlainNames() {
+        AddTitle(*gDatabase, "Zebra");
+        AddTitle(*gDatabase, "Apple", 3, 10, 21, 4);
+        auto rs = gDatabase->OpenRecordset(kJoin);
+        QCOMPARE(rs->RecordCount(), 1L);
+        // Ordered by platform name: Audio before PC.
+        QCOMPARE(rs->Fields("nmcd").Value().toString(), QString("Zebra"));
+        QCOMPARE(rs->Fields("platform.idplatform").Value(), QVariant(qint64(1)));
+        QCOMPARE(rs->Fields("TITLE.IDVENDOR").Value(), QVariant(qint64(1)));
+        QCOMPARE(rs->Fields("nmvendor").Value().toString(), QString("Various artists"));
+        QCOMPARE(rs->Fields("nmmediatype").Value().toString(), QString("CD-ROM"));
+        QCOMPARE(rs->Fields("type.idtype").QualifiedName(), QString("type.idtype"));
+        QCOMPARE(rs->Fields("type.idtype").Name(), QString("idtype"));
+        // A repeated plain name reads the first table's field.
+        QCOMPARE(rs->Fields("idplatform").QualifiedName(), QString("title.idplatform"));
+        QCOMPARE(ErrorNumber([&] { rs->Fields("nosuchfield"); }), int(jetItemNotFound));
+        QCOMPARE(ErrorNumber([&] { rs->Fields(rs->FieldCount()); }), int(jetItemNotFound));
+        rs->MoveNext();
+        QCOMPARE(rs->RecordCount(), 2L);
+        QCOMPARE(rs->Fields("platform.idplatform").Value(), QVariant(qint64(3)));
+        QCOMPARE(rs->Fields("nmvendor").Value().toString(), QString("Unknown vendor"));
+        rs->MoveNext();
+        QVERIFY(rs->IsEOF());
+    }
+
+    void valuesKeepTheirKinds() {
+        AddTitle(*gDatabase, "Kinds");
+        auto rs = gDatabase->OpenRecordset("select * from title");
+        QCOMPARE(rs->Fields("nrcds").Value().typeId(), int(QMetaType::LongLong));
+        QCOMPARE(rs->Fields("capacity").Value(), QVariant(650.5));
+        QCOMPARE(rs->Fields("nmcd").Value(), QVariant(QString("Kinds")));
+        QVERIFY(!rs->Fields("memo").Value().isValid());
+        QVERIFY(rs->Fields("memo").IsNull());
+        QVERIFY(!rs->Fields("nmcd").IsNull());
+        QCOMPARE((*rs)["visible"], QVariant(qint64(1)));
+    }
+
+    void countsAndMoves() {
+        auto empty = gDatabase->OpenRecordset("select * from title where idcd = 0");
+        QVERIFY(empty->IsBOF() && empty->IsEOF());
+        QCOMPARE(empty->RecordCount(), 0L);
+        QCOMPARE(empty->AbsolutePosition(), -1L);
+        QCOMPARE(ErrorNumber([&] { empty->MoveFirst(); }), int(jetNoCurrentRecord));
+        QCOMPARE(ErrorNumber([&] { empty->MoveLast(); }), int(jetNoCurrentRecord));
+        QCOMPARE(ErrorNumber([&] { empty->MoveNext(); }), int(jetNoCurrentRecord));
+        QCOMPARE(ErrorNumber([&] { empty->Fields("nmcd").Value(); }), int(jetNoCurrentRecord));
+
+        auto rs = gDatabase->OpenRecordset("select * from type order by idtype");
+        QCOMPARE(rs->RecordCount(), 1L);
+        QVERIFY(!rs->IsBOF() && !rs->IsEOF());
+        QCOMPARE(rs->AbsolutePosition(), 0L);
+        rs->SetAbsolutePosition(4);
+        QCOMPARE(rs->RecordCount(), 5L);
+        QCOMPARE(rs->Fields("idtype").Value(), QVariant(qint64(5)));
+        rs->MovePrevious();
+        QCOMPARE(rs->AbsolutePosition(), 3L);
+        rs->MoveLast();
+        QCOMPARE(rs->RecordCount(), 17L);
+        QCOMPARE(rs->AbsolutePosition(), 16L);
+        rs->MoveNext();
+        QVERIFY(rs->IsEOF() && !rs->IsBOF());
+        QCOMPARE(rs->AbsolutePosition(), -1L);
+        QCOMPARE(ErrorNumber([&] { rs->MoveNext(); }), int(jetNoCurrentRecord));
+        QCOMPARE(ErrorNumber([&] { rs->Fields("nmtype").Value(); }), int(jetNoCurrentRecord));
+        rs->MovePrevious();
+        QCOMPARE(rs->Fields("nmtype").Value().toString(), QString("Games"));
+        rs->MoveFirst();
+        rs->MovePrevious();
+        QVERIFY(rs->IsBOF() && !rs->IsEOF());
+        QCOMPARE(ErrorNumber([&] { rs->MovePrevious(); }), int(jetNoCurrentRecord));
+        rs->MoveNext();
+        QCOMPARE(rs->Fields("idtype").Value(), QVariant(qint64(1)));
+        QCOMPARE(ErrorNumber([&] { rs->SetAbsolutePosition(17); }), 3001);
+        QCOMPARE(ErrorNumber([&] { rs->SetAbsolutePosition(-1); }), 3001);
+    }
+
+    void tableNameOpensTableType() {
+        auto table = gDatabase->OpenRecordset("type");
+        QCOMPARE(table->Type(), int(dbOpenTable));
+        QCOMPARE(table->RecordCount(), 17L);
+        auto dynaset = gDatabase->OpenRecordset("type", dbOpenDynaset);
+        QCOMPARE(dynaset->Type(), int(dbOpenDynaset));
+        QCOMPARE(dynaset->RecordCount(), 1L);
+        QCOMPARE(gDatabase->OpenRecordset("select * from type")->Type(), int(dbOpenDynaset));
+        QCOMPARE(ErrorNumber([&] { gDatabase->OpenRecordset("nosuchtable"); }), 3078);
+        QCOMPARE(ErrorNumber([&] { gDatabase->OpenRecordset("select * from type", dbOpenTable); }),
+                 3219);
+    }
+
+    void oneStatementPerCall() {
+        QCOMPARE(
+            ErrorNumber([&] { gDatabase->OpenRecordset("select * from type; delete from type"); }),
+            int(jetCharactersAfterEnd));
+        QCOMPARE(ErrorNumber([&] { gDatabase->Execute("delete from type; delete from vendor"); }),
+                 int(jetCharactersAfterEnd));
+        // Nothing of either statement ran.
+        QCOMPARE(gDatabase->OpenRecordset("type")->RecordCount(), 17L);
+        QCOMPARE(gDatabase->OpenRecordset("vendor")->RecordCount(), 7L);
+        QCOMPARE(ErrorNumber([&] { gDatabase->OpenRecordset("select * from type ; ;  "); }), 0);
+        QCOMPARE(ErrorNumber([&] { gDatabase->Execute("select * from type"); }), 3065);
+    }
+
+    void unknownNamesAskForParameters() {
+        QCOMPARE(ErrorNumber([&] { gDatabase->OpenRecordset("select * from type where nmx = 1"); }),
+                 int(jetTooFewParameters));
+        QCOMPARE(ErrorNumber([&] { gDatabase->OpenRecordset("select * from types"); }),
+                 int(jetTooFewParameters));
+        QCOMPARE(ErrorNumber([&] { gDatabase->Execute("UPDATE title SET nmx = 1"); }),
+                 int(jetTooFewParameters));
+        try {
+            gDatabase->OpenRecordset("select * from type where nmx = 1");
+        } catch (const VbError& error) {
+            QCOMPARE(error.Description, QString("Too few parameters. Expected 1."));
+        }
+        QCOMPARE(ErrorNumber([&] { gDatabase->Execute("UPDATE title SE nmcd = 1"); }),
+                 int(jetSyntaxError));
+        QCOMPARE(DBEngine::Errors().size(), 1);
+        QCOMPARE(DBEngine::Errors().front().Number, int(jetSyntaxError));
+        gDatabase->Execute("UPDATE type SET nmtype = nmtype WHERE idplatform = 1");
+        QCOMPARE(gDatabase->RecordsAffected(), 6L);
+    }
+
+    void treeStatementRunsAdapted() {
+        gDatabase->Execute("INSERT INTO platform (nmplatform, visible) VALUES ('Empty', true)");
+        gDatabase->Execute("UPDATE platform SET visible = false WHERE idplatform = 2");
+        auto rs = gDatabase->OpenRecordset(
+            "Select platform.idplatform, platform.nmplatform, type.idtype, type.nmtype from "
+            "platform, type, platform left join type on platform.idplatform = type.idplatform and "
+            "platform.visible = true order by platform.nmplatform, type.nmtype");
+        QStringList seen;
+        for (; !rs->IsEOF(); rs->MoveNext())
+            seen << rs->Fields("nmplatform").Value().toString() + "/" +
+                        rs->Fields("nmtype").Value().toString();
+        QCOMPARE(seen.first(), QString("Audio/Classical"));
+        QVERIFY(seen.contains("Empty/"));
+        QVERIFY(!seen.contains("Video/Movie"));
+        QCOMPARE(seen.size(), 17 - 3 + 1);
+    }
+
+    void filterAndSortApplyToNewRecordsets() {
+        auto rs =
+            gDatabase->OpenRecordset("select * from type where idplatform < 4 order by idtype");
+        rs->SetFilter("nmtype like 'C*'");
+        rs->SetSort("nmtype desc");
+        QCOMPARE(rs->Filter(), QString("nmtype like 'C*'"));
+        QCOMPARE(rs->Sort(), QString("nmtype desc"));
+        rs->Requery();
+        QCOMPARE(rs->Fields("idtype").Value(), QVariant(qint64(1)));
+        auto filtered = rs->OpenRecordset();
+        QStringList names;
+        for (; !filtered->IsEOF(); filtered->MoveNext())
+            names << filtered->Fields("nmtype").Value().toString();
+        QCOMPARE(names, QStringList({"Concert", "Compilation", "Classical"}));
+
+        auto plain = gDatabase->OpenRecordset("select * from type");
+        plain->SetFilter("idplatform = 4");
+        auto onlyMac = plain->OpenRecordset();
+        onlyMac->MoveLast();
+        QCOMPARE(onlyMac->RecordCount(), 2L);
+    }
+
+    void requeryReadsAgain() {
+        auto rs = gDatabase->OpenRecordset("select * from title order by nmcd");
+        QVERIFY(rs->IsEOF());
+        AddTitle(*gDatabase, "B");
+        AddTitle(*gDatabase, "A");
+        rs->Requery();
+        QCOMPARE(rs->RecordCount(), 1L);
+        QCOMPARE(rs->Fields("nmcd").Value().toString(), QString("A"));
+        rs->MoveLast();
+        QCOMPARE(rs->RecordCount(), 2L);
+        rs->Requery();
+        QCOMPARE(rs->AbsolutePosition(), 0L);
+    }
+
+    void manyJoinedRowsAreCounted() {
+        AddTitle(*gDatabase, "Long album");
+        gDatabase->Execute(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 32767) "
+            "INSERT INTO Tracks (idcd, TrackID, TrackName) SELECT 1, i % 256, 'Track ' || i FROM "
+            "n");
+        auto rs = gDatabase->OpenRecordset(
+            "select * from title, Tracks where title.idcd = Tracks.idcd order by Tracks.rowid");
+        QCOMPARE(rs->RecordCount(), 1L);
+        rs->MoveLast();
+        QCOMPARE(rs->RecordCount(), 32767L);
+        QCOMPARE(rs->Fields("TrackName").Value().toString(), QString("Track 32767"));
+        rs->SetAbsolutePosition(99);
+        QCOMPARE(rs->Fields("Tracks.TrackName").Value().toString(), QString("Track 100"));
+        QCOMPARE(rs->Fields("nmcd").Value().toString(), QString("Long album"));
+    }
+
+  private:
+    std::unique_ptr<TempProgramFolder> folder_;
+};
+
+VELMORA_TEST_MAIN(DaoQueryTest)
+#include "dao_query_test.moc"
