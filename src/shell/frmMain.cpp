@@ -7,7 +7,9 @@
 #include <QScreen>
 
 #include "shell/frmSplash.h"
+#include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
+#include "shell/readrecords.h"
 #include "shell/singleinstance.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
@@ -73,6 +75,9 @@ void frmMain::BuildWindow() {
         panels_.append(label);
     }
     SetPanelText(3, "Record");
+
+    SetupTree();
+    SetupList();
 }
 
 void frmMain::SetMousePointer(int pointer) {
@@ -142,8 +147,12 @@ void frmMain::Form_Load() {
     listKeyDown = false;
     treeKeyDown = true;
     gItemCountText = "00000 item(s) found";
+    gRequestedKey.clear();
+    gListReadState = ListReadState();
 
     SetSplashStatus("Setting up treeview");
+    FillTree(2, "");
+    SetupListColumns();
 
     SetSplashStatus("Reading CD-titles");
     try {
@@ -163,6 +172,9 @@ void frmMain::Form_Load() {
         }
     }
 
+    TV1->setRootIsDecorated(true);
+    SelectFirstNode();
+
     loading_ = false;
     show();
     if (gSplashForm) {
@@ -170,6 +182,10 @@ void frmMain::Form_Load() {
         gSplashForm->raise();
         gSplashForm->Timer->start();
     }
+}
+
+void frmMain::SelectFirstNode() {
+    TV1_NodeClick(NodeCount() >= 2 ? Node(2) : Node(1));
 }
 
 bool frmMain::FindPreviousInstance() {

@@ -3,11 +3,13 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QStatusBar>
+#include <QTimer>
 #include <QToolBar>
 #include <QTreeView>
 #include <QTreeWidget>
 
 class SingleInstance;
+class TitleListModel;
 class VbError;
 
 // The main window: the folder tree on the left, the title list on the right, the button bar
@@ -28,6 +30,14 @@ class frmMain : public QMainWindow {
   signals:
     // The exit work is done; the program ends.
     void Unloaded();
+    // A right button went down in the tree: the folder menu's items start disabled.
+    void FolderMenuReset();
+    // A node click while the right button is the last one: the folder menu's items are enabled
+    // for node; nothing is read.
+    void FolderMenuNodeClick(QTreeWidgetItem* node);
+    // The search node was read before any search: the search window is wanted. Sent once the
+    // (empty) read has finished.
+    void SearchWindowRequested();
 
   public:
     // The busy flag: 11 while working, 1 at rest; commands and closing test for 1.
@@ -50,7 +60,19 @@ class frmMain : public QMainWindow {
     QTreeWidgetItem* SelectedNode() const;
     // The node under a right click while its menu is up, else null.
     QTreeWidgetItem* DropHighlight() const;
+    void SetDropHighlight(QTreeWidgetItem* node);
     void TV1_NodeClick(QTreeWidgetItem* node);
+    // Building and selecting nodes without a NodeClick, as the program's own code does.
+    void ClearNodes();
+    QTreeWidgetItem* AddNode(QTreeWidgetItem* parent, const QString& key, const QString& text,
+                             const QString& image, const QString& selectedImage);
+    void SelectNode(QTreeWidgetItem* node);
+    void EnsureNodeVisible(QTreeWidgetItem* node);
+    // The tree's events. button is 1 left, 2 right, 4 middle.
+    void TV1_MouseDown(int button);
+    void TV1_Collapse(QTreeWidgetItem* node);
+    void TV1_GotFocus();
+    void tmrWait_Timer();
 
     // The title list's items, 0-based rows of the list as shown. An item has the key "id" and
     // idcd, the tag idcd, a small icon 1..6 and five sub-items (By, Type, Kind, Nr cd's,
@@ -68,12 +90,22 @@ class frmMain : public QMainWindow {
                      const QStringList& subItems, const QString& tag);
     void SetListItem(int row, const QString& text, const QStringList& subItems);
     void RemoveListItem(int row);
+    void ClearListItems();
+    TitleListModel* ListModel() const { return listModel_; }
+    // The six columns, the first one 40 percent of the list's width.
+    void SetupListColumns();
+    // The list's events. column is 1-based.
+    void ListView1_ColumnClick(int column);
+    void ListView1_GotFocus();
+    void ListView1_ItemClick();
 
     QToolBar* Toolbar1;
     QTreeWidget* TV1;
     QTreeView* ListView1;
     QFrame* Frame1;
     QStatusBar* StatusBar1;
+    // The tree's selection delay: keyboard moves read only the node the user rests on.
+    QTimer* tmrWait;
 
     // True: the next tree selection reads the list at once; false: through the wait timer.
     bool bReadRecordsNow = true;
@@ -83,6 +115,9 @@ class frmMain : public QMainWindow {
     bool listKeyDown = false;
     bool treeKeyDown = true;
     bool updateInProgress = false;
+    // Set by an item click and cleared by the double click it allows, so that a double click
+    // on empty space does nothing.
+    bool listItemClicked = false;
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -104,12 +139,20 @@ class frmMain : public QMainWindow {
     void Form_Unload();
     void Form_Resize();
     void RaiseFromOtherInstance();
+    void SetupTree();
+    void SetupList();
+    void SelectFirstNode();
 
     int mousePointer_ = 0;
     bool loading_ = false;
     bool unloaded_ = false;
     QList<QLabel*> panels_;
     SingleInstance* instance_ = nullptr;
+    QList<QTreeWidgetItem*> nodes_;
+    QTreeWidgetItem* dropHighlight_ = nullptr;
+    TitleListModel* listModel_ = nullptr;
+    // Selections made by the program itself are no user events.
+    bool selectingListItem_ = false;
 };
 
 // The one main window of the run, or null once it has been unloaded.

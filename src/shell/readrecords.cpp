@@ -1,0 +1,153 @@
+// Filling the title list from the view of the selected folder, and the list's small routines.
+
+#include "shell/readrecords.h"
+
+#include <QHeaderView>
+#include <QMetaObject>
+#include <QScopedValueRollback>
+
+#include "lookups/viewqueries.h"
+#include "shell/frmMain.h"
+#include "shell/mGlobalFunctions.h"
+#include "shell/mGlobals.h"
+#include "shell/titlelistmodel.h"
+#include "store/catalogue.h"
+#include "toolkit/msgbox.h"
+#include "toolkit/vbruntime.h"
+
+ListReadState gListReadState;
+
+namespace {
+
+int PlatformIdOf(const QString& key) {
+    return key.mid(3).toInt();
+}
+
+// Opens the view of the node being read into gRecordset.
+void OpenViewOfNode(frmMain* form, QTreeWidgetItem* node) {
+    if (!node) return;
+    const QString key = form->NodeKey(node);
+    QTreeWidgetItem* parent = node->parent();
+    QTreeWidgetItem* root = form->Node(1);
+    if (key == "root") {
+        OpenView("platform", 0, 32767, "");
+    } else if (parent == root && key != "search") {
+        const int id = PlatformIdOf(key);
+        OpenView("platform", id, id, "");
+    } else if (key == "search" && gSearchSQL.isEmpty()) {
+        OpenView("platform", -1, -1, "");
+        QMetaObject::invokeMethod(
+            form, [form] { emit form->SearchWindowRequested(); }, Qt::QueuedConnection);
+    } else if (key == "search") {
+        OpenView("search", 0, 32767, "");
+    } else if (parent && parent->parent() == root) {
+        const QString parentKey = form->NodeKey(parent);
+        const int platform = PlatformIdOf(parentKey);
+        const int type = key.right(key.length() - parentKey.length() - 3).toInt();
+        OpenView("platformtype", type, type, "(" + QString::number(platform) + ")");
+    }
+}
+
+long CountRows(Recordset* view) {
+    if (!view) return 0;
+    long count = view->RecordCount();
+    if (count > 0) {
+        view->MoveLast();
+        count = view->RecordCount();
+        view->MoveFirst();
+    }
+    return count;
+}
+
+std::vector<TitleRow> ReadRows(Recordset* view, long count) {
+    std::vector<TitleRow> rows;
+    if (count <= 0) return rows;
+    rows.reserve(count);
+    // The fields are looked up once; each row then reads by position.
+    Field idcd = view->Fields("idcd");
+    Field platform = view->Fields("platform.idplatform");
+    Field name = view->Fields("nmcd");
+    const std::array<Field, 5> subItems = {view->Fields("nmvendor"), view->Fields("nmtype"),
+                                           view->Fields("nmspecific"), view->Fields("nrcds"),
+                                           view->Fields("nmmediatype")};
+    for (long row = 1; row <= count; ++row) {
+        UpdateItemCount(row, "");
+        const QString tag = NzText(idcd.Value());
+        const int idplatform = platform.Value().toInt();
+        TitleRow item{"id" + tag, NzText(name.Value()), {}, tag, idplatform < 6 ? idplatform : 6};
+        for (size_t column = 0; column < subItems.size(); ++column)
+            item.subItems[column] = NzText(subItems[column].Value());
+        rows.push_back(std::move(item));
+        view->MoveNext();
+    }
+    return rows;
+}
+
+void FillList(frmMain* form) {
+    TitleListModel* model = form->ListModel();
+    form->SetMousePointer(vbHourglass);
+    form->SetPanelText(2, gItemCountText);
+    form->ClearListItems();
+    DoEvents();
+    const bool sorted = model->Sorted();
+    model->SetSorted(false);
+
+    form->ListView1->setUpdatesEnabled(false);
+    try {
+        OpenViewOfNode(form, form->Node(gListReadState.nodeIndex));
+        const long count = CountRows(gRecordset.get());
+        model->SetRows(ReadRows(gRecordset.get(), count));
+    } catch (const VbError& error) {
+        MsgBox(error.Description);
+    }
+    const bool hasItems = form->ListItemCount() > 0;
+    if (hasItems) {
+        for (int column = 1; column <= TitleListModel::kColumns; ++column)
+            AutosizeColumn(form->ListView1, column, true);
+    }
+    model->SetSorted(sorted);
+    if (hasItems) form->SelectListIndex(0);
+    form->ListView1->setUpdatesEnabled(true);
+    form->SetMousePointer(vbArrow);
+    gListReadState.lastKey = gListReadState.readingKey;
+}
+
+}  // namespace
+
+void ReadRecords(long selectId) {
+    frmMain* form = gMainForm;
+    if (!form) return;
+    gListDirty = false;
+    gListReadState.nodeIndex = gSelectedIndex;
+    gListReadState.readingKey = gSelectedKey;
+    if (gListReadState.readingKey != gListReadState.lastKey || gRequestedKey == "forcechange")
+        FillList(form);
+    if (selectId != -1) SelectTitleInList(selectId);
+}
+
+void UpdateItemCount(long count, const QString& mode) {
+    long number = count;
+    if (!mode.isEmpty()) {
+        const long present = gMainForm->PanelText(2).left(5).toLong();
+        number = mode == "plus" ? present + 1 : present - 1;
+    }
+    gMainForm->SetPanelText(2, Format(number, "00000") + gItemCountText.mid(5));
+}
+
+void AutosizeColumn(QAbstractItemView* list, int column, bool useHeader) {
+    auto* view = qobject_cast<QTreeView*>(list);
+    auto* model = view ? qobject_cast<TitleListModel*>(view->model()) : nullptr;
+    if (!model) return;
+    const int section = column - 1;
+    const int widest = model->WidestRow(section, view->fontMetrics());
+    int width = widest < 0 ? 0 : view->sizeHintForIndex(model->index(widest, section)).width();
+    if (useHeader) width = std::max(width, view->header()->sectionSizeHint(section));
+    view->header()->resizeSection(section, width);
+}
+
+void SelectTitleInList(long id) {
+    const int row = gMainForm->ListModel()->FindTag(QString::number(id));
+    if (row < 0) return;
+    gMainForm->SelectListIndex(row);
+    gMainForm->ListView1->scrollTo(gMainForm->ListModel()->index(row, 0));
+}
