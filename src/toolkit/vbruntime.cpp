@@ -25,7 +25,11 @@ QString AddBackslash(const QString& folder) {
 }
 
 qint64 RoundToEven(double value) {
-    return static_cast<qint64>(std::nearbyint(value));
+    // Outside the 64-bit range (and for NaN) the conversion itself would be undefined; Visual
+    // Basic reports such a conversion as an overflow.
+    const double rounded = std::nearbyint(value);
+    if (!(rounded >= -0x1p63 && rounded < 0x1p63)) throw VbError(6);
+    return static_cast<qint64>(rounded);
 }
 
 int CInt(double value) {

@@ -1,0 +1,12 @@
+#include "toolkit/mHelp.h"
+
+#include <QFileInfo>
+#include <QUrl>
+
+#include "toolkit/mUtility.h"
+
+int ShowHelpContents(const QString& helpFile) {
+    const QFileInfo file(QString(helpFile).replace('\\', '/'));
+    if (!file.isFile()) return 0;
+    return OpenWithDesktop(QUrl::fromLocalFile(file.absoluteFilePath())) ? 1 : 0;
+}

@@ -1,0 +1,144 @@
+#include "toolkit/mUtilityIni.h"
+
+#include <QFile>
+#include <QSaveFile>
+#include <QStringDecoder>
+
+namespace {
+
+QString Folded(const QString& name) {
+    return name.trimmed().toCaseFolded();
+}
+
+// The section name of a header line "[name]", or nothing for any other line.
+std::optional<QString> HeaderName(const QString& line) {
+    const QString text = line.trimmed();
+    if (!text.startsWith('[')) return std::nullopt;
+    const qsizetype close = text.lastIndexOf(']');
+    if (close < 1) return std::nullopt;
+    return text.mid(1, close - 1).trimmed();
+}
+
+bool IsComment(const QString& line) {
+    const QString text = line.trimmed();
+    return text.startsWith(';') || text.startsWith('#');
+}
+
+// The key of a "key=value" line; a line without "=" is a key without a value.
+QString KeyOf(const QString& line) {
+    return line.section('=', 0, 0).trimmed();
+}
+
+QString ValueOf(const QString& line) {
+    const qsizetype equals = line.indexOf('=');
+    if (equals < 0) return QString();
+    QString value = line.mid(equals + 1).trimmed();
+    if (value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
+        value.back() == value.front())
+        value = value.mid(1, value.size() - 2);
+    return value;
+}
+
+}  // namespace
+
+IniFile::IniFile(const QString& path) : path_(path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return;
+    const QByteArray bytes = file.readAll();
+
+    // Files from Windows are 8-bit ANSI; anything that is not valid UTF-8 is read as Latin-1
+    // and written back the same way.
+    QStringDecoder decoder(QStringDecoder::Utf8);
+    QString text = decoder(bytes);
+    if (decoder.hasError()) {
+        utf8_ = false;
+        text = QString::fromLatin1(bytes);
+    }
+
+    const qsizetype firstBreak = text.indexOf('\n');
+    if (firstBreak >= 0) lineEnd_ = firstBreak > 0 && text[firstBreak - 1] == '\r' ? "\r\n" : "\n";
+    lines_ = text.split('\n');
+    endsWithLineEnd_ = lines_.last().isEmpty();
+    if (endsWithLineEnd_) lines_.removeLast();
+    for (QString& line : lines_)
+        if (line.endsWith('\r')) line.chop(1);
+    indexSections();
+}
+
+void IniFile::indexSections() {
+    sections_.clear();
+    for (int i = 0; i < lines_.size(); ++i)
+        if (const auto name = HeaderName(lines_[i])) {
+            const QString folded = Folded(*name);
+            if (!sections_.contains(folded)) sections_.insert(folded, i);
+        }
+}
+
+int IniFile::sectionLine(const QString& section) const {
+    return sections_.value(Folded(section), -1);
+}
+
+int IniFile::sectionEnd(int header) const {
+    int end = header + 1;
+    while (end < lines_.size() && !HeaderName(lines_[end])) ++end;
+    return end;
+}
+
+int IniFile::keyLine(int header, const QString& key) const {
+    const QString wanted = Folded(key);
+    const int end = sectionEnd(header);
+    for (int i = header + 1; i < end; ++i) {
+        const QString& line = lines_[i];
+        if (line.trimmed().isEmpty() || IsComment(line)) continue;
+        if (KeyOf(line).toCaseFolded() == wanted) return i;
+    }
+    return -1;
+}
+
+bool IniFile::hasSection(const QString& section) const {
+    return sectionLine(section) >= 0;
+}
+
+std::optional<QString> IniFile::value(const QString& section, const QString& key) const {
+    const int header = sectionLine(section);
+    if (header < 0) return std::nullopt;
+    const int line = keyLine(header, key);
+    if (line < 0) return std::nullopt;
+    return ValueOf(lines_[line]);
+}
+
+void IniFile::insertLine(int at, const QString& line) {
+    lines_.insert(at, line);
+    indexSections();
+}
+
+void IniFile::addSection(const QString& section) {
+    if (hasSection(section)) return;
+    if (!lines_.isEmpty() && !lines_.last().trimmed().isEmpty()) lines_.append(QString());
+    lines_.append('[' + section + ']');
+    sections_.insert(Folded(section), lines_.size() - 1);
+}
+
+void IniFile::setValue(const QString& section, const QString& key, const QString& value) {
+    addSection(section);
+    const int header = sectionLine(section);
+    const int line = keyLine(header, key);
+    if (line >= 0) {
+        lines_[line] = KeyOf(lines_[line]) + '=' + value;
+        return;
+    }
+    // New keys go after the section's last entry, ahead of the blank lines that separate it
+    // from the next section.
+    int at = sectionEnd(header);
+    while (at > header + 1 && lines_[at - 1].trimmed().isEmpty()) --at;
+    insertLine(at, key + '=' + value);
+}
+
+bool IniFile::save() const {
+    QString text = lines_.join(lineEnd_);
+    if (endsWithLineEnd_ && !lines_.isEmpty()) text += lineEnd_;
+    QSaveFile file(path_);
+    if (!file.open(QIODevice::WriteOnly)) return false;
+    file.write(utf8_ ? text.toUtf8() : text.toLatin1());
+    return file.commit();
+}

@@ -1,0 +1,117 @@
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "support/testsupport.h"
+#include "toolkit/mUtility.h"
+
+namespace {
+
+void WriteFile(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+QByteArray ReadFile(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+}  // namespace
+
+class IniTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir dir;
+
+  private slots:
+    void readsLikeTheWindowsProfileFunctions() {
+        const QString path = dir.filePath("cdplayer.ini");
+        WriteFile(path,
+                  "; written by hand\r\n[CDDB]\r\nversion=1\r\n\r\n[ 4A0B3C12 ]\r\n"
+                  "EntryType=1\r\n  Artist =  The Band  \r\ntitle=\"  Quoted  \"\r\n"
+                  "0='single'\r\n1=\"unbalanced\r\nbare\r\nnumtracks=\r\n"
+                  "[4a0b3c12]\r\nartist=second section\r\n");
+        QCOMPARE(ReadIniString(path, "4a0b3c12", "ARTIST", "x"), QString("The Band"));
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "title", "x"), QString("  Quoted  "));
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "0", "x"), QString("single"));
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "1", "x"), QString("\"unbalanced"));
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "bare", "x"), QString());
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "numtracks", "no"), QString());
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "order", "no"), QString("no"));
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "version", "no"), QString("no"));
+        QCOMPARE(ReadIniString(path, "FFFFFFFF", "title", "Track 1  "), QString("Track 1"));
+        QCOMPARE(ReadIniString(dir.filePath("absent.ini"), "CDDB", "version", "d"), QString("d"));
+
+        // LF line ends and 8-bit text from Windows read as well.
+        WriteFile(path, "[Disc]\ntitle=Caf\xe9\n");
+        QCOMPARE(ReadIniString(path, "Disc", "title", ""), QString("Caf\u00e9"));
+    }
+
+    void valuesAreCutAt255Characters() {
+        const QString path = dir.filePath("long.ini");
+        const QString value = QString(250, 'a') + QString(50, 'b');
+        WriteFile(path, "[S]\nkey=" + value.toLatin1() + "\n");
+        QCOMPARE(ReadIniString(path, "S", "key", ""), value.left(255));
+        QCOMPARE(ReadIniString(path, "S", "missing", value), value.left(255));
+    }
+
+    void writingKeepsTheRestOfTheFile() {
+        const QString path = dir.filePath("write.ini");
+        WriteFile(path,
+                  "; keep me\r\n[1A]\r\nTitle=Old\r\nnumtracks=1\r\n\r\n[2B]\r\ntitle=Other\r\n");
+        QString value = "New";
+        QVERIFY(WriteIniString(path, "1a", "TITLE", value));
+        value = "0 1";
+        QVERIFY(WriteIniString(path, "1A", "order", value));
+        value = "Fresh";
+        QVERIFY(WriteIniString(path, "3C", "title", value));
+        QCOMPARE(ReadFile(path),
+                 QByteArray("; keep me\r\n[1A]\r\nTitle=New\r\nnumtracks=1\r\norder=0 1\r\n\r\n"
+                            "[2B]\r\ntitle=Other\r\n\r\n[3C]\r\ntitle=Fresh\r\n"));
+        QCOMPARE(ReadIniString(path, "1A", "title", ""), QString("New"));
+        QCOMPARE(ReadIniString(path, "2B", "title", ""), QString("Other"));
+
+        const QString lfFile = dir.filePath("lfFile.ini");
+        WriteFile(lfFile, "[A]\nkey=1\n");
+        value = "Caf\u00e9";
+        QVERIFY(WriteIniString(lfFile, "A", "name", value));
+        QCOMPARE(ReadFile(lfFile), QByteArray("[A]\nkey=1\nname=Caf\xc3\xa9\n"));
+
+        const QString windows = dir.filePath("ansi.ini");
+        WriteFile(windows, "[A]\r\nname=Caf\xe9\r\n");
+        value = "\u00c9t\u00e9";
+        QVERIFY(WriteIniString(windows, "A", "other", value));
+        QCOMPARE(ReadFile(windows), QByteArray("[A]\r\nname=Caf\xe9\r\nother=\xc9t\xe9\r\n"));
+
+        const QString created = dir.filePath("new.ini");
+        value = "1";
+        QVERIFY(WriteIniString(created, "CDDB", "version", value));
+        QCOMPARE(ReadFile(created), QByteArray("[CDDB]\r\nversion=1\r\n"));
+
+        value = "lost";
+        QVERIFY(!WriteIniString(dir.filePath("no/such/folder.ini"), "A", "key", value));
+    }
+
+    void lineBreaksBecomeBlanksInTheCallersValueOnly() {
+        const QString path = dir.filePath("breaks.ini");
+        QString value = "Side A\r\nSide B\n";
+        QVERIFY(WriteIniString(path, "Disc", "title", value));
+        QCOMPARE(value, QString("Side A  Side B "));
+        QCOMPARE(ReadFile(path), QByteArray("[Disc]\r\ntitle=Side A\r\nSide B\n\r\n"));
+        QCOMPARE(ReadIniString(path, "Disc", "title", ""), QString("Side A"));
+    }
+
+    void readsSeeChangesMadeBehindTheirBack() {
+        const QString path = dir.filePath("changing.ini");
+        WriteFile(path, "[A]\nkey=first\n");
+        QCOMPARE(ReadIniString(path, "A", "key", ""), QString("first"));
+        WriteFile(path, "[A]\nkey=the second\n");
+        QCOMPARE(ReadIniString(path, "A", "key", ""), QString("the second"));
+        QFile::remove(path);
+        QCOMPARE(ReadIniString(path, "A", "key", "gone"), QString("gone"));
+    }
+};
+
+VELMORA_TEST_MAIN(IniTest)
+#include "ini_test.moc"
