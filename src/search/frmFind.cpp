@@ -94,6 +94,8 @@ void frmFind::BuildWindow() {
     cmbMediatype->setObjectName("cmbMediatype");
     cmbMediatype->setEditable(true);
     cmbMediatype->setInsertPolicy(QComboBox::NoInsert);
+    // The typed text is the criterion; completing it to a row would change the search.
+    cmbMediatype->setCompleter(nullptr);
     cmbMediatype->setProperty(kTagProperty, "nmmediatype");
     addLikeRow(static_cast<int>(Text1.size()), "Mediatype", cmbMediatype);
     connect(cmbMediatype, &QComboBox::editTextChanged, this,

@@ -74,7 +74,9 @@ Database::~Database() {
 void Database::Execute(const QString& sql, int) {
     if (!IsOpen()) Raise(3420);
     sqlite3_stmt* statement = PrepareOne(*connection_, sql);
-    if (sqlite3_column_count(statement) > 0) {
+    // A select returns rows; SQLite also gives a column to an ALTER TABLE that adds a checked
+    // column, which is no query and must run.
+    if (sqlite3_column_count(statement) > 0 && sqlite3_stmt_readonly(statement)) {
         sqlite3_finalize(statement);
         Raise(3065);
     }
