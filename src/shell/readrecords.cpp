@@ -131,7 +131,12 @@ void UpdateItemCount(long count, const QString& mode) {
         const long present = gMainForm->PanelText(2).left(5).toLong();
         number = mode == "plus" ? present + 1 : present - 1;
     }
-    gMainForm->SetPanelText(2, Format(number, "00000") + gItemCountText.mid(5));
+    // Format's "00000" for whole numbers, without its general parsing: this runs for every row
+    // of a fill.
+    QString text = QString::number(std::abs(number)).rightJustified(5, '0');
+    if (number < 0) text.prepend('-');
+    text.append(QStringView(gItemCountText).mid(5));
+    gMainForm->SetPanelText(2, text);
 }
 
 void AutosizeColumn(QAbstractItemView* list, int column, bool useHeader) {

@@ -62,10 +62,7 @@ void TitleListModel::Clear() {
 void TitleListModel::SetRows(std::vector<TitleRow>&& rows) {
     beginResetModel();
     rows_ = std::move(rows);
-    if (sorted_) {
-        std::stable_sort(rows_.begin(), rows_.end(),
-                         [this](const TitleRow& a, const TitleRow& b) { return Before(a, b); });
-    }
+    if (sorted_) SortVector();
     endResetModel();
 }
 
@@ -124,13 +121,19 @@ bool TitleListModel::Before(const TitleRow& a, const TitleRow& b) const {
     return sortOrder_ == Qt::AscendingOrder ? order < 0 : order > 0;
 }
 
-void TitleListModel::SortRows() {
-    if (rows_.size() < 2) return;
-    emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+std::vector<int> TitleListModel::SortVector() {
+    // Folding the texts once makes each comparison a plain one.
+    std::vector<QString> keys(rows_.size());
+    for (size_t row = 0; row < rows_.size(); ++row)
+        keys[row] = Text(static_cast<int>(row), sortKey_).toCaseFolded();
     std::vector<int> order(rows_.size());
     std::iota(order.begin(), order.end(), 0);
-    std::stable_sort(order.begin(), order.end(),
-                     [this](int a, int b) { return Before(rows_[a], rows_[b]); });
+    if (sortOrder_ == Qt::AscendingOrder)
+        std::stable_sort(order.begin(), order.end(),
+                         [&keys](int a, int b) { return keys[a] < keys[b]; });
+    else
+        std::stable_sort(order.begin(), order.end(),
+                         [&keys](int a, int b) { return keys[b] < keys[a]; });
     std::vector<TitleRow> sorted;
     sorted.reserve(rows_.size());
     std::vector<int> newRowOf(rows_.size());
@@ -139,6 +142,13 @@ void TitleListModel::SortRows() {
         sorted.push_back(std::move(rows_[order[row]]));
     }
     rows_ = std::move(sorted);
+    return newRowOf;
+}
+
+void TitleListModel::SortRows() {
+    if (rows_.size() < 2) return;
+    emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+    const std::vector<int> newRowOf = SortVector();
     const QModelIndexList before = persistentIndexList();
     QModelIndexList after;
     after.reserve(before.size());

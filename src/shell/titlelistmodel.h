@@ -60,6 +60,8 @@ class TitleListModel : public QAbstractTableModel {
 
   private:
     bool Before(const TitleRow& a, const TitleRow& b) const;
+    // Sorts the rows in place and returns each former row's new place.
+    std::vector<int> SortVector();
     void SortRows();
 
     std::vector<TitleRow> rows_;

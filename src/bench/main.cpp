@@ -1,0 +1,168 @@
+// velmora-bench: times the program's own code paths on synthetic catalogues.
+//
+//   velmora-bench [--runs N] [--list] [scenario...]
+//
+// Without scenarios every scenario runs. Each prints one line with the median of its runs.
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <memory>
+
+#include "bench/syntheticcatalogue.h"
+#include "shell/frmMain.h"
+#include "shell/frmSplash.h"
+#include "shell/mGlobalFunctions.h"
+#include "shell/mGlobals.h"
+#include "toolkit/resources.h"
+#include "toolkit/vberror.h"
+#include "toolkit/vbruntime.h"
+
+namespace {
+
+const int kDefaultRuns = 7;
+
+// One program folder per catalogue size, built on first use.
+class Catalogues {
+  public:
+    QString FolderFor(int titles) {
+        auto& dir = folders_[titles];
+        if (!dir) {
+            dir = std::make_unique<QTemporaryDir>();
+            BuildSyntheticCatalogue(dir->path(), titles);
+        }
+        return dir->path();
+    }
+
+  private:
+    std::map<int, std::unique_ptr<QTemporaryDir>> folders_;
+};
+
+void StartProgram() {
+    gSplashForm = nullptr;
+    gMainForm = new frmMain();
+    gMainForm->Form_Load();
+}
+
+void EndProgram() {
+    if (!gMainForm) return;
+    gMainForm->SetMousePointer(vbArrow);
+    gMainForm->Unload();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+double Median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    const size_t middle = values.size() / 2;
+    return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+void Report(const QString& name, const std::vector<double>& milliseconds) {
+    QTextStream(stdout) << name << ": median " << QString::number(Median(milliseconds), 'f', 1)
+                        << " ms (" << milliseconds.size() << " runs)\n";
+}
+
+// The list of the root folder is read again as a forced refresh does, up to its first paint.
+void ReadRecordsRoot(Catalogues& catalogues, int titles, int runs) {
+    App.Path = catalogues.FolderFor(titles);
+    StartProgram();
+    if (!gMainForm || gMainForm->ListItemCount() == 0)
+        throw VbError(0, "the program did not start");
+    std::vector<double> times;
+    for (int run = 0; run < runs; ++run) {
+        gSelectedIndex = 1;
+        gSelectedKey = "root";
+        gRequestedKey = "forcechange";
+        QElapsedTimer timer;
+        timer.start();
+        ReadRecords(-1);
+        QCoreApplication::processEvents();
+        times.push_back(timer.nsecsElapsed() / 1e6);
+        if (gMainForm->ListItemCount() != titles)
+            throw VbError(0, QString("the root lists %1 titles").arg(gMainForm->ListItemCount()));
+    }
+    EndProgram();
+    Report(QString("ReadRecords root %1 titles").arg(titles), times);
+}
+
+// From a new main window to its first filled and painted list, without the splash.
+void StartUp(Catalogues& catalogues, int titles, int runs) {
+    App.Path = catalogues.FolderFor(titles);
+    std::vector<double> times;
+    for (int run = 0; run < runs; ++run) {
+        QElapsedTimer timer;
+        timer.start();
+        StartProgram();
+        QCoreApplication::processEvents();
+        times.push_back(timer.nsecsElapsed() / 1e6);
+        if (!gMainForm || gMainForm->MousePointer() != vbArrow)
+            throw VbError(0, "the program did not finish its start-up");
+        EndProgram();
+    }
+    Report(QString("Start-up to the first list %1 titles").arg(titles), times);
+}
+
+using Scenario = std::function<void(Catalogues&, int runs)>;
+
+const std::vector<std::pair<QString, Scenario>>& Scenarios() {
+    static const std::vector<std::pair<QString, Scenario>> scenarios = {
+        {"readrecords-1000", [](Catalogues& c, int runs) { ReadRecordsRoot(c, 1000, runs); }},
+        {"readrecords-32767", [](Catalogues& c, int runs) { ReadRecordsRoot(c, 32767, runs); }},
+        {"startup-32767", [](Catalogues& c, int runs) { StartUp(c, 32767, runs); }},
+    };
+    return scenarios;
+}
+
+int Usage() {
+    QTextStream err(stderr);
+    err << "usage: velmora-bench [--runs N] [--list] [scenario...]\nscenarios:";
+    for (const auto& [name, scenario] : Scenarios()) err << " " << name;
+    err << "\n";
+    return 2;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    InitResources();
+
+    int runs = kDefaultRuns;
+    QStringList chosen;
+    const QStringList arguments = app.arguments().mid(1);
+    for (int i = 0; i < arguments.size(); ++i) {
+        if (arguments[i] == "--runs" && i + 1 < arguments.size()) {
+            runs = arguments[++i].toInt();
+            if (runs < 1) return Usage();
+        } else if (arguments[i] == "--list") {
+            for (const auto& [name, scenario] : Scenarios()) QTextStream(stdout) << name << "\n";
+            return 0;
+        } else if (arguments[i].startsWith("-")) {
+            return Usage();
+        } else {
+            chosen << arguments[i];
+        }
+    }
+    for (const QString& name : chosen) {
+        const auto& all = Scenarios();
+        if (std::none_of(all.begin(), all.end(),
+                         [&name](const auto& s) { return s.first == name; }))
+            return Usage();
+    }
+
+    Catalogues catalogues;
+    try {
+        for (const auto& [name, scenario] : Scenarios())
+            if (chosen.isEmpty() || chosen.contains(name)) scenario(catalogues, runs);
+    } catch (const VbError& error) {
+        QTextStream(stderr) << "velmora-bench: " << error.Description << "\n";
+        return 1;
+    }
+    return 0;
+}

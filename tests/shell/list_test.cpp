@@ -1,0 +1,275 @@
+// The title list: its views, items, counting, sorting and selection.
+
+#include <QHeaderView>
+
+#include "lookups/viewqueries.h"
+#include "shell/listtree_support.h"
+#include "shell/mGlobalFunctions.h"
+#include "shell/mGlobals.h"
+#include "shell/titlelistmodel.h"
+#include "store/dao.h"
+
+using namespace listtree;
+
+namespace {
+
+// The texts of a 0-based column, top to bottom.
+QStringList ColumnTexts(int column) {
+    QStringList texts;
+    for (int row = 0; row < gMainForm->ListItemCount(); ++row)
+        texts << (column == 0 ? gMainForm->ListItemText(row)
+                              : gMainForm->ListItemSubItems(row).value(column - 1));
+    return texts;
+}
+
+void ClickHeader(int column) {
+    QHeaderView* header = gMainForm->ListView1->header();
+    const int logical = column - 1;
+    QTest::mouseClick(
+        header->viewport(), Qt::LeftButton, {},
+        QPoint(header->sectionViewportPosition(logical) + header->sectionSize(logical) / 2,
+               header->height() / 2));
+}
+
+void ClickRow(int row) {
+    QTreeView* list = gMainForm->ListView1;
+    const QModelIndex index = gMainForm->ListModel()->index(row, 0);
+    list->scrollTo(index);
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(index).center());
+}
+
+bool ViewHolds(const QString& kind, int first, int second, const QString& clause, long idcd) {
+    std::unique_ptr<Recordset> view;
+    GetViewSQL(kind, true, view, first, second, clause);
+    for (; view && !view->IsEOF(); view->MoveNext())
+        if (view->Fields("idcd").Value().toLongLong() == idcd) return true;
+    return false;
+}
+
+}  // namespace
+
+class ListTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void init() {
+        folder_ = std::make_unique<TempProgramFolder>();
+        folder_->installCatalogue();
+        StartProgram();
+    }
+
+    void cleanup() {
+        EndProgram();
+        folder_.reset();
+    }
+
+    void itemsCarryKeysTagsIconsAndSubItems() {
+        frmMain* form = gMainForm;
+        QCOMPARE(form->ListModel()->columnCount(), 6);
+        QStringList headers;
+        for (int column = 0; column < 6; ++column)
+            headers << form->ListModel()->headerData(column, Qt::Horizontal).toString();
+        QCOMPARE(headers, QStringList({"Title", "By", "Type", "Kind", "Nr cd's", "Mediatype"}));
+
+        gDatabase->Execute(
+            "INSERT INTO platform (idplatform, nmplatform, visible) VALUES (9, "
+            "'Arcade', 1)");
+        gDatabase->Execute(
+            "INSERT INTO type (idtype, nmtype, idplatform) VALUES (90, 'Cabinet', 9)");
+        gDatabase->Execute(
+            "INSERT INTO specific (idspecific, nmspecific, idtype) VALUES (900, 'Upright', 90)");
+        gDatabase->Execute(
+            "INSERT INTO vendor (idvendor, nmvendor, idplatform) VALUES (99, 'Arcadia', 9)");
+        const long arcade = AddTitle("Zap", 9, 90, 900, 99, 4, 2);
+        const long album = AddTitle("Blue", 1, 1, 1, 1, 2, 1);
+        FillTree(1, "");
+        ForceSelectNode(1);
+
+        QCOMPARE(form->ListItemCount(), 2);
+        QCOMPARE(form->PanelText(2), QString("00002 item(s) found"));
+        // Sorted by title, whatever the order of the statement.
+        QCOMPARE(ColumnTexts(0), QStringList({"Blue", "Zap"}));
+        QCOMPARE(form->ListItemKey(0), "id" + QString::number(album));
+        QCOMPARE(form->ListItemTag(0), QString::number(album));
+        QCOMPARE(form->ListItemSubItems(0),
+                 QStringList({"Various artists", "Pop", "Album", "1", "CD-R"}));
+        QCOMPARE(form->ListModel()->Row(0).smallIcon, 1);
+        QCOMPARE(form->ListItemKey(1), "id" + QString::number(arcade));
+        QCOMPARE(form->ListItemSubItems(1),
+                 QStringList({"Arcadia", "Cabinet", "Upright", "2", "DVD-ROM"}));
+        QCOMPARE(form->ListModel()->Row(1).smallIcon, 6);
+        QVERIFY(!form->ListModel()
+                     ->data(form->ListModel()->index(1, 0), Qt::DecorationRole)
+                     .value<QIcon>()
+                     .isNull());
+        QCOMPARE(form->ListIndexOfKey("id" + QString::number(arcade)), 1);
+        // The first item is selected after a read, and the columns fit their texts.
+        QCOMPARE(form->SelectedListIndex(), 0);
+        QHeaderView* header = form->ListView1->header();
+        QVERIFY(header->sectionSize(1) >=
+                form->ListView1->fontMetrics().horizontalAdvance("Various artists"));
+
+        // A platform folder lists its own titles, a type folder those of its type.
+        ClickNode(NodeWithKey("key9"));
+        QCOMPARE(ColumnTexts(0), QStringList({"Zap"}));
+        ClickNode(NodeWithKey("key1key1"));
+        QCOMPARE(ColumnTexts(0), QStringList({"Blue"}));
+        ClickNode(NodeWithKey("key1key2"));
+        QCOMPARE(form->ListItemCount(), 0);
+    }
+
+    void vendorOfAnotherPlatformShowsOnlyInAll() {
+        const long stray = AddTitle("Stray", 1, 1, 1, 4);
+        const long plain = AddTitle("Plain", 1, 1, 1, 1);
+        QVERIFY(ViewHolds("all", 0, 0, "", stray));
+        QVERIFY(!ViewHolds("platform", 0, 32767, "", stray));
+        QVERIFY(!ViewHolds("platform", 1, 1, "", stray));
+        QVERIFY(!ViewHolds("platform", 3, 3, "", stray));
+        QVERIFY(!ViewHolds("platformtype", 1, 1, "(1)", stray));
+        QVERIFY(ViewHolds("platformtype", 1, 1, "(1)", plain));
+        ForceSelectNode(1);
+        QCOMPARE(ColumnTexts(0), QStringList({"Plain"}));
+    }
+
+    void viewsAreOpenedAsDesigned() {
+        OpenView("platformtype", 4, 4, "(1)");
+        QVERIFY(gRecordset->Updatable());
+        QCOMPARE(gViewSQL,
+                 QString("Select * from title,vendor,platform,type,specific,mediatype where "
+                         "title.idvendor = vendor.idvendor and title.idplatform = "
+                         "platform.idplatform and title.idtype = type.idtype and "
+                         "title.idspecific = specific.idspecific and title.idmediatype = "
+                         "mediatype.idmediatype and title.idplatform = vendor.idplatform and "
+                         "platform.idplatform in (1) and title.idtype = 4 order by "
+                         "platform.nmplatform, title.nmcd"));
+        OpenView("all", 0, 0, "");
+        QVERIFY(!gRecordset->Updatable());
+        // An unknown kind, and a statement that fails, leave the view as it was.
+        Recordset* before = gRecordset.get();
+        OpenView("nothing", 0, 0, "");
+        QCOMPARE(gRecordset.get(), before);
+        gSearchSQL = "Select * from nowhere";
+        OpenView("search", 0, 0, "");
+        QCOMPARE(gViewSQL, gSearchSQL);
+        QCOMPARE(gRecordset.get(), before);
+        gSearchSQL.clear();
+
+        std::unique_ptr<Recordset> mediatypes;
+        QCOMPARE(GetViewSQL("mediatype", true, mediatypes, 0, 0, ""),
+                 QString("select idmediatype, nmmediatype from mediatype"));
+        QVERIFY(mediatypes && !mediatypes->IsEOF());
+        QCOMPARE(GetViewSQL("all platform", false, mediatypes, 0, 0, ""),
+                 QString("Select * from platform order by nmplatform"));
+        QCOMPARE(GetViewSQL("all type", false, mediatypes, 0, 0, ""),
+                 QString("Select * from type"));
+    }
+
+    void emptyFolderCountsZeroAndSelectsNothing() {
+        frmMain* form = gMainForm;
+        AddTitle("Somewhere else", 1, 1, 1, 1);
+        ForceSelectNode(1);
+        QCOMPARE(form->SelectedListIndex(), 0);
+        ClickNode(NodeWithKey("key4"));
+        QCOMPARE(form->ListItemCount(), 0);
+        QCOMPARE(form->SelectedListIndex(), -1);
+        QCOMPARE(form->PanelText(2), QString("00000 item(s) found"));
+        QVERIFY(form->ListModel()->Sorted());
+        QCOMPARE(form->MousePointer(), int(vbArrow));
+    }
+
+    void updateItemCountWritesAndCounts() {
+        frmMain* form = gMainForm;
+        form->SetPanelText(2, "00099 item(s) found");
+        UpdateItemCount(0, "plus");
+        QCOMPARE(form->PanelText(2), QString("00100 item(s) found"));
+        UpdateItemCount(0, "minus");
+        UpdateItemCount(0, "minus");
+        QCOMPARE(form->PanelText(2), QString("00098 item(s) found"));
+        UpdateItemCount(7, "");
+        QCOMPARE(form->PanelText(2), QString("00007 item(s) found"));
+    }
+
+    void columnClicksSortAsText() {
+        frmMain* form = gMainForm;
+        AddTitle("b10", 1, 1, 1, 1, 1, 10);
+        AddTitle("B2", 1, 1, 1, 2, 1, 9);
+        AddTitle("a", 1, 1, 1, 1, 1, 2);
+        ForceSelectNode(1);
+        QCOMPARE(ColumnTexts(0), QStringList({"a", "b10", "B2"}));
+        ClickRow(1);
+        const QString selectedKey = form->ListItemKey(form->SelectedListIndex());
+
+        ClickHeader(1);
+        QCOMPARE(ColumnTexts(0), QStringList({"B2", "b10", "a"}));
+        QCOMPARE(form->ListModel()->SortOrder(), Qt::DescendingOrder);
+        // The selection stays on its title through a sort.
+        QCOMPARE(form->ListItemKey(form->SelectedListIndex()), selectedKey);
+
+        ClickHeader(5);
+        QCOMPARE(form->ListModel()->SortKey(), 4);
+        QCOMPARE(ColumnTexts(4), QStringList({"10", "2", "9"}));
+        ClickHeader(5);
+        QCOMPARE(ColumnTexts(4), QStringList({"9", "2", "10"}));
+
+        // Unsorted: a click sorts by that column and keeps the order.
+        form->ListModel()->SetSorted(false);
+        ClickHeader(2);
+        QVERIFY(form->ListModel()->Sorted());
+        QCOMPARE(form->ListModel()->SortKey(), 1);
+        QCOMPARE(form->ListModel()->SortOrder(), Qt::DescendingOrder);
+        QCOMPARE(ColumnTexts(1).first(), QString("Various artists"));
+
+        // A new item takes its sorted place.
+        form->AddListItem("id999", "new", 1, {"Aardvark", "Pop", "Album", "1", "CD-ROM"}, "999");
+        QCOMPARE(ColumnTexts(1).last(), QString("Aardvark"));
+        QCOMPARE(form->ListIndexOfKey("id999"), 3);
+        form->SetListItem(3, "renamed", {"Aardvark", "Rock", "Album", "2", "CD-R"});
+        QCOMPARE(form->ListItemText(3), QString("renamed"));
+        QCOMPARE(form->ListItemSubItems(3).value(1), QString("Rock"));
+        form->RemoveListItem(3);
+        QCOMPARE(form->ListIndexOfKey("id999"), -1);
+    }
+
+    void selectionSetsTheCurrentTitle() {
+        frmMain* form = gMainForm;
+        AddTitle("First", 1, 1, 1, 1);
+        const long second = AddTitle("Second", 1, 1, 1, 1);
+        ForceSelectNode(1);
+        gCurrentTitleId = 0;
+        form->listItemClicked = false;
+        ClickRow(1);
+        QCOMPARE(gCurrentTitleId, second);
+        QVERIFY(form->listItemClicked);
+        QCOMPARE(form->focusName, QString("listview"));
+
+        form->TV1->setFocus();
+        QTRY_COMPARE(form->focusName, QString("treeview"));
+        gCurrentTitleId = 0;
+        form->ListView1->setFocus();
+        QTRY_COMPARE(form->focusName, QString("listview"));
+        QCOMPARE(gCurrentTitleId, second);
+
+        // Keys move the selection as clicks do.
+        gCurrentTitleId = 0;
+        QTest::keyClick(form->ListView1, Qt::Key_Up);
+        QCOMPARE(form->SelectedListIndex(), 0);
+        QCOMPARE(gCurrentTitleId, form->ListItemTag(0).toLong());
+
+        // The program's own selections are no clicks.
+        form->listItemClicked = false;
+        SelectTitleInList(second);
+        QCOMPARE(form->SelectedListIndex(), 1);
+        QVERIFY(!form->listItemClicked);
+        gRequestedKey = "forcechange";
+        ReadRecords(form->ListItemTag(0).toLong());
+        QCOMPARE(form->SelectedListIndex(), 0);
+        SelectTitleInList(123456);
+        QCOMPARE(form->SelectedListIndex(), 0);
+    }
+
+  private:
+    std::unique_ptr<TempProgramFolder> folder_;
+};
+
+VELMORA_TEST_MAIN(ListTest)
+#include "list_test.moc"

@@ -1,0 +1,217 @@
+// The folder tree: how it is built from the catalogue, and how selections turn into reads.
+
+#include <QSignalSpy>
+
+#include "lookups/viewqueries.h"
+#include "shell/listtree_support.h"
+#include "shell/mGlobalFunctions.h"
+#include "shell/mGlobals.h"
+
+using namespace listtree;
+
+class TreeTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void init() {
+        folder_ = std::make_unique<TempProgramFolder>();
+        folder_->installCatalogue();
+        StartProgram();
+    }
+
+    void cleanup() {
+        EndProgram();
+        folder_.reset();
+    }
+
+    void buildsFoldersInNameOrderWithKeysByIds() {
+        frmMain* form = gMainForm;
+        QCOMPARE(form->NodeKey(form->Node(1)), QString("root"));
+        QCOMPARE(form->Node(1)->text(0), QString("My cd's"));
+        QCOMPARE(form->NodeKey(form->Node(2)), QString("key1"));
+        QCOMPARE(form->Node(2)->text(0), QString("Audio"));
+        // Types in name order under their platform.
+        QCOMPARE(form->NodeKey(form->Node(3)), QString("key1key3"));
+        QCOMPARE(form->Node(3)->text(0), QString("Classical"));
+        QCOMPARE(form->Node(3)->parent(), form->Node(2));
+        QTreeWidgetItem* search = form->Node(form->NodeCount());
+        QCOMPARE(form->NodeKey(search), QString("search"));
+        QCOMPARE(search->text(0), QString("search results"));
+        QCOMPARE(search->parent(), form->Node(1));
+        QStringList platforms;
+        for (int child = 0; child < form->Node(1)->childCount() - 1; ++child)
+            platforms << form->Node(1)->child(child)->text(0);
+        QCOMPARE(platforms, QStringList({"Audio", "Game console", "Macintosh", "PC", "Video"}));
+        for (int index = 1; index <= form->NodeCount(); ++index)
+            QCOMPARE(form->NodeIndex(form->Node(index)), index);
+
+        // The start-up selected node 2 and read it, and the window came to rest.
+        QCOMPARE(form->NodeKey(form->SelectedNode()), QString("key1"));
+        QCOMPARE(gSelectedIndex, 2);
+        QVERIFY(gViewSQL.contains("platform.idplatform >= 1 and platform.idplatform <= 1 order"));
+        QCOMPARE(form->MousePointer(), int(vbArrow));
+
+        // Ids of several digits, twin names, a platform without types.
+        gDatabase->Execute(
+            "INSERT INTO platform (idplatform, nmplatform, visible) VALUES (12, 'Twin', 1)");
+        gDatabase->Execute(
+            "INSERT INTO platform (idplatform, nmplatform, visible) VALUES (13, 'Twin', 1)");
+        gDatabase->Execute("INSERT INTO type (idtype, nmtype, idplatform) VALUES (103, 'T', 12)");
+        FillTree(1, "");
+        QTreeWidgetItem* twelve = NodeWithKey("key12");
+        QTreeWidgetItem* thirteen = NodeWithKey("key13");
+        QVERIFY(twelve && thirteen);
+        QCOMPARE(thirteen->childCount(), 0);
+        QCOMPARE(twelve->child(0), NodeWithKey("key12key103"));
+        ClickNode(NodeWithKey("key12key103"));
+        QVERIFY2(gViewSQL.contains("platform.idplatform in (12) and title.idtype = 103 order by"),
+                 qPrintable(gViewSQL));
+    }
+
+    void keyboardMovesReadOnlyTheNodeRestedOn() {
+        frmMain* form = gMainForm;
+        ClickNode(form->Node(1));
+        QCOMPARE(gSelectedKey, QString("root"));
+        form->TV1->setFocus();
+        gViewSQL.clear();
+        for (int move = 0; move < 5; ++move) QTest::keyClick(form->TV1, Qt::Key_Down);
+        QVERIFY(gViewSQL.isEmpty());
+        QVERIFY(form->tmrWait->isActive());
+        const QString restedOn = form->NodeKey(form->SelectedNode());
+        QCOMPARE(restedOn, QString("key2"));
+        QTRY_VERIFY_WITH_TIMEOUT(!gViewSQL.isEmpty(), 5000);
+        QCOMPARE(gSelectedKey, restedOn);
+        QVERIFY(gViewSQL.contains("platform.idplatform >= 2 and platform.idplatform <= 2 order"));
+        gViewSQL.clear();
+        QTest::qWait(1000);
+        QVERIFY(gViewSQL.isEmpty());
+        QVERIFY(!form->tmrWait->isActive());
+    }
+
+    void clickReadsAtOnceButNotTwice() {
+        frmMain* form = gMainForm;
+        gViewSQL.clear();
+        ClickNode(NodeWithKey("key3"));
+        QVERIFY(gViewSQL.contains("platform.idplatform >= 3 and platform.idplatform <= 3 order"));
+        QCOMPARE(gRequestedKey, QString("key3"));
+
+        gViewSQL.clear();
+        ClickNode(NodeWithKey("key3"));
+        QVERIFY(gViewSQL.isEmpty());
+
+        ForceSelectNode(form->NodeIndex(NodeWithKey("key3")));
+        QVERIFY(!gViewSQL.isEmpty());
+        QCOMPARE(gRequestedKey, QString("forcechange"));
+
+        // The dirty list is read again, the clean one is not.
+        gViewSQL.clear();
+        RefreshIfDirty();
+        QVERIFY(gViewSQL.isEmpty());
+        gListDirty = true;
+        RefreshIfDirty();
+        QVERIFY(!gViewSQL.isEmpty());
+        QVERIFY(!gListDirty);
+    }
+
+    void searchNodeBeforeAnySearchAsksForTheSearchWindow() {
+        frmMain* form = gMainForm;
+        gSearchSQL.clear();
+        QSignalSpy wanted(form, &frmMain::SearchWindowRequested);
+        ClickNode(NodeWithKey("search"));
+        QVERIFY(gViewSQL.contains(">= -1 and platform.idplatform <= -1"));
+        QCOMPARE(form->ListItemCount(), 0);
+        QTRY_COMPARE(wanted.count(), 1);
+
+        // With a search present, a click does not read it again, a forced read does.
+        gSearchSQL =
+            "Select * from title,vendor,platform,type,specific,mediatype where "
+            "title.idvendor = vendor.idvendor and title.idplatform = "
+            "platform.idplatform and title.idtype = type.idtype and title.idspecific = "
+            "specific.idspecific and title.idmediatype = mediatype.idmediatype";
+        ForceSelectNode(form->NodeIndex(NodeWithKey("search")));
+        QCOMPARE(gViewSQL, gSearchSQL);
+        gViewSQL.clear();
+        ClickNode(NodeWithKey("search"));
+        QVERIFY(gViewSQL.isEmpty());
+        QCOMPARE(wanted.count(), 1);
+        gSearchSQL.clear();
+    }
+
+    void fillTreeSelectsByKeyThenIndexThenLast() {
+        frmMain* form = gMainForm;
+        gViewSQL.clear();
+        FillTree(3, "key2");
+        QCOMPARE(gSelectedKey, QString("key2"));
+        QCOMPARE(form->SelectedNode(), NodeWithKey("key2"));
+        FillTree(3, "key999");
+        QCOMPARE(gSelectedIndex, 3);
+        QCOMPARE(form->SelectedNode(), form->Node(3));
+        FillTree(999, "key999");
+        QCOMPARE(gSelectedIndex, form->NodeCount());
+        QCOMPARE(gSelectedKey, QString("search"));
+        FillTree(1, "");
+        QCOMPARE(gSelectedKey, QString("root"));
+        QVERIFY(form->Node(1)->isExpanded());
+        // Rebuilding reads nothing.
+        QVERIFY(gViewSQL.isEmpty());
+        QVERIFY(!gTreeDirty);
+
+        gTreeDirty = true;
+        gDatabase->Execute("INSERT INTO platform (nmplatform, visible) VALUES ('Tapes', 1)");
+        RefreshIfDirty();
+        QVERIFY(!gTreeDirty);
+        const QList<QTreeWidgetItem*> tapes = form->TV1->findItems("Tapes", Qt::MatchRecursive);
+        QCOMPARE(tapes.size(), 1);
+        QCOMPARE(tapes.first()->parent(), form->Node(1));
+    }
+
+    void hiddenPlatformLeavesTheTreeButNotTheRoot() {
+        frmMain* form = gMainForm;
+        AddTitle("Hidden movie", 2, 7, 16, 3);
+        gDatabase->Execute("UPDATE platform SET visible = false WHERE idplatform = 2");
+        FillTree(1, "");
+        QVERIFY(!NodeWithKey("key2"));
+        QVERIFY(!NodeWithKey("key2key7"));
+        ForceSelectNode(1);
+        QCOMPARE(form->ListItemCount(), 1);
+        QCOMPARE(form->ListItemText(0), QString("Hidden movie"));
+    }
+
+    void collapsingAParentReadsIt() {
+        frmMain* form = gMainForm;
+        ClickNode(NodeWithKey("key3key10"));
+        QCOMPARE(gSelectedKey, QString("key3key10"));
+        form->TV1_MouseDown(1);
+        form->TV1->collapseItem(NodeWithKey("key3"));
+        QCOMPARE(form->SelectedNode(), NodeWithKey("key3"));
+        QCOMPARE(gSelectedKey, QString("key3"));
+        QVERIFY(gViewSQL.contains("platform.idplatform >= 3 and platform.idplatform <= 3 order"));
+    }
+
+    void rightButtonMarksWithoutSelectingOrReading() {
+        frmMain* form = gMainForm;
+        QSignalSpy reset(form, &frmMain::FolderMenuReset);
+        QSignalSpy menu(form, &frmMain::FolderMenuNodeClick);
+        QTreeWidgetItem* selected = form->SelectedNode();
+        gViewSQL.clear();
+        ClickNode(NodeWithKey("key5"), Qt::RightButton);
+        QCOMPARE(form->SelectedNode(), selected);
+        QCOMPARE(form->DropHighlight(), NodeWithKey("key5"));
+        QCOMPARE(form->lastTreeButton, 2);
+        QCOMPARE(reset.count(), 1);
+        form->TV1_NodeClick(selected);
+        QCOMPARE(menu.count(), 1);
+        QCOMPARE(menu.first().first().value<QTreeWidgetItem*>(), selected);
+        QVERIFY(gViewSQL.isEmpty());
+        // A left click is a plain selection again.
+        ClickNode(NodeWithKey("key5"));
+        QCOMPARE(form->lastTreeButton, 1);
+        QVERIFY(!gViewSQL.isEmpty());
+    }
+
+  private:
+    std::unique_ptr<TempProgramFolder> folder_;
+};
+
+VELMORA_TEST_MAIN(TreeTest)
+#include "tree_test.moc"
