@@ -78,7 +78,7 @@ void frmFind::BuildWindow() {
     auto* grid = new QGridLayout(Frame1);
     auto addLikeRow = [&](int row, const QString& caption, QWidget* field) {
         auto* like = new QLabel("like", Frame1);
-        // Three of the "like" labels carry the hint; one per group of boxes is enough.
+        // The hint on the wildcards sits on the first three "like" labels.
         if (row < 3) like->setToolTip("Use * and ? as wildcards");
         grid->addWidget(new QLabel(caption, Frame1), row, 0);
         grid->addWidget(like, row, 1);
