@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 
+#include "bench/searchscenarios.h"
 #include "bench/syntheticcatalogue.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
@@ -141,6 +142,18 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
         {"readrecords-1000", [](Catalogues& c, int runs) { ReadRecordsRoot(c, 1000, runs); }},
         {"readrecords-32767", [](Catalogues& c, int runs) { ReadRecordsRoot(c, 32767, runs); }},
         {"startup-32767", [](Catalogues& c, int runs) { StartUp(c, 32767, runs); }},
+        {"search-title-32767",
+         [](Catalogues& c, int runs) {
+             Report("Search by title 32767 titles", TimeTitleSearch(c.FolderFor(32767), runs));
+         }},
+        {"search-track-32767",
+         [](Catalogues& c, int runs) {
+             Report("Search by track name 32767 titles", TimeTrackSearch(c.FolderFor(32767), runs));
+         }},
+        {"compaction-32767",
+         [](Catalogues& c, int runs) {
+             Report("Compaction 32767 titles", TimeCompaction(c.FolderFor(32767), runs));
+         }},
     };
     return scenarios;
 }

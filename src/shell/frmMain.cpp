@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QScreen>
 
+#include "search/frmFind.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
@@ -14,6 +15,7 @@
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
 #include "store/guardedfile.h"
+#include "store/widentextcolumn.h"
 #include "toolkit/imagelists.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
@@ -72,10 +74,17 @@ void frmMain::BuildWindow() {
         auto* label = new QLabel(StatusBar1);
         label->setFrameShape(QFrame::StyledPanel);
         label->setFrameShadow(QFrame::Sunken);
-        StatusBar1->addPermanentWidget(label, panel == 1 ? 3 : 1);
+        StatusBar1->addPermanentWidget(label, panel == 1 ? 1 : 0);
         panels_.append(label);
     }
+    // The count panel changes on every row of a fill; a fixed width spares the status bar a new
+    // layout each time.
+    const int countWidth = panels_[1]->fontMetrics().horizontalAdvance(gItemCountText + "00");
+    panels_[1]->setFixedWidth(countWidth + 2 * panels_[1]->frameWidth());
     SetPanelText(3, "Record");
+
+    // The search node read before any search asks for the search window, after the read.
+    connect(this, &frmMain::SearchWindowRequested, this, [] { ShowFindWindow(); });
 
     BuildContextMenus();
     InstallCommandEvents();
@@ -162,10 +171,16 @@ void frmMain::Form_Load() {
     try {
         ReadFieldSizes();
     } catch (const VbError& error) {
-        loading_ = false;
-        MsgBox(error.Description);
-        Unload();
+        ReportUnableToLoad(error);
         return;
+    }
+    if (gLenLabel < 32) {
+        try {
+            WidenTextColumn("label", 32);
+        } catch (const VbError& error) {
+            ReportUnableToLoad(error);
+            return;
+        }
     }
 
     TV1->setRootIsDecorated(true);

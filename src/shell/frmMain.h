@@ -12,6 +12,7 @@
 
 class SingleInstance;
 class TitleListModel;
+class VbError;
 
 // The main window: the folder tree on the left, the title list on the right, the button bar
 // on top and the status bar below. It lives for the whole run and owns the open catalogue.
@@ -203,6 +204,8 @@ class frmMain : public QMainWindow {
     bool FindPreviousInstance();
     bool OpenDatabaseStage1();
     bool OpenDatabaseStage2();
+    // The report of a catalogue that cannot be opened or brought up to date; ends the program.
+    void ReportUnableToLoad(const VbError& error);
     void SetSplashStatus(const QString& text);
     void HideSplash();
     void UnloadSplash();

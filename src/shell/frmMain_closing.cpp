@@ -8,6 +8,7 @@
 #include "shell/mGlobals.h"
 #include "shell/singleinstance.h"
 #include "store/catalogue.h"
+#include "store/frmPerformAction.h"
 #include "store/guardedfile.h"
 #include "toolkit/mRegistry.h"
 #include "toolkit/vbruntime.h"
@@ -71,6 +72,9 @@ void frmMain::Form_Unload() {
                 SetAttr(gDatabasePath, vbArchive);
         } catch (const VbError&) {
         }
+        (new frmPerformAction())
+            ->PerformAction(frmPerformAction::CompactMainDatabase, this, false, QString(),
+                            QString(), false);
         try {
             if (FileExists(gDatabasePath)) FlipDatabaseHeader(gDatabasePath, kGuardHeader);
         } catch (const VbError&) {

@@ -75,15 +75,19 @@ bool frmMain::OpenDatabaseStage2() {
         OpenCatalogue();
         return true;
     } catch (const VbError& error) {
-        HideSplash();
-        MsgBox(error.Description);
-        MsgBox("Unable to load Velmora!. The database " + gDatabasePath +
-                   " might be inappropriate for this version or is corrupted.\nPlease see the "
-                   "support-section on " +
-                   kMakerWebAddress + " for troubleshooting.",
-               vbCritical);
-        UnloadSplash();
-        Unload();
+        ReportUnableToLoad(error);
         return false;
     }
+}
+
+void frmMain::ReportUnableToLoad(const VbError& error) {
+    HideSplash();
+    MsgBox(error.Description);
+    MsgBox("Unable to load Velmora!. The database " + gDatabasePath +
+               " might be inappropriate for this version or is corrupted.\nPlease see the "
+               "support-section on " +
+               kMakerWebAddress + " for troubleshooting.",
+           vbCritical);
+    UnloadSplash();
+    Unload();
 }

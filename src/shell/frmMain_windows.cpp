@@ -2,13 +2,14 @@
 // here, so that the busy flag and the mode flags around them stay with the commands.
 
 #include "editor/frmEdit.h"
+#include "search/frmFind.h"
 #include "shell/frmMain.h"
 
 void frmMain::ShowEditor() {
     ShowEditForm();
 }
 
-void frmMain::ShowSearch() {}
+void frmMain::ShowSearch() { ShowFindWindow(); }
 
 void frmMain::ShowDatabaseWindow() {}
 

@@ -16,3 +16,11 @@ extern QString gDatabasePassword;
 
 // Opens gDatabasePath exclusively with the password into gDatabase.
 void OpenCatalogue();
+
+// Closes the catalogue, compacts it into data.compacted in the program folder and puts the
+// compacted file in its place. With reopen, opens it again and reads gViewSQL into gRecordset
+// with filter and sort. Failures are reported in a box; the catalogue file always stays.
+void CompactCatalogue(bool reopen, const QString& filter, const QString& sort);
+// Compacts source into target, which must not exist, carrying the password over. Returns an
+// empty string on success, otherwise every engine error as "number|description<TAB>".
+QString CompactInto(const QString& source, const QString& target, const QString& password);

@@ -1,0 +1,317 @@
+// The search window driven as the user drives it, over a small catalogue: the statement it
+// builds and the titles the search node then lists.
+
+#include "search/frmFind.h"
+#include "shell/frmMain.h"
+#include "shell/frmSplash.h"
+#include "shell/mGlobals.h"
+#include "store/catalogue.h"
+#include "support/testsupport.h"
+#include "toolkit/vbruntime.h"
+
+namespace {
+
+const QString kBase =
+    "Select * from title,vendor,platform,type,specific,mediatype where title.idvendor = "
+    "vendor.idvendor and title.idplatform = platform.idplatform and title.idtype = type.idtype "
+    "and title.idspecific = specific.idspecific and title.idmediatype = mediatype.idmediatype";
+const QString kDefaultRanges =
+    " and title.rating >= 0 and title.rating <= 100 and title.nrcds >= 0 and title.nrcds <= 12";
+
+// Audio titles (platform 1) with tracks, PC titles (platform 3), one of them with a track too,
+// so that the platform condition of a track search is what keeps it out.
+void AddTitles() {
+    const QStringList rows{
+        "1, 'Blue Album', 1, 1, 1, 1, 2, 50",    "2, 'Rock Night', 2, 1, 2, 4, 4, 80",
+        "3, 'Space Quest', 4, 3, 10, 21, 1, 90", "4, 'Office Tools', 5, 3, 11, 25, 1, 10",
+        "5, 'Shock Wave', 4, 3, 10, 22, 3, 30",
+    };
+    for (const QString& row : rows)
+        gDatabase->Execute(
+            "insert into title (idcd, nmcd, idvendor, idplatform, idtype, idspecific, "
+            "idmediatype, rating, nrcds) values (" +
+            row + ", 1)");
+    gDatabase->Execute("update title set nrcds = 3 where idcd = 3");
+    gDatabase->Execute("update title set label = 'SQDISC1' where idcd = 3");
+    const QStringList tracks{"1, 1, 'Morning Star'", "1, 2, 'Evening Song'", "2, 1, 'Star Power'",
+                             "4, 1, 'Star'"};
+    for (const QString& track : tracks)
+        gDatabase->Execute("insert into Tracks (idcd, TrackID, TrackName) values (" + track + ")");
+}
+
+void StartProgram() {
+    gSplashForm = new frmSplash();
+    gMainForm = new frmMain();
+    gMainForm->Form_Load();
+}
+
+void EndProgram() {
+    if (!gMainForm) return;
+    gMainForm->SetMousePointer(vbArrow);
+    gMainForm->Unload();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+QTreeWidgetItem* NodeWithKey(const QString& key) {
+    for (int index = 1; index <= gMainForm->NodeCount(); ++index)
+        if (gMainForm->NodeKey(gMainForm->Node(index)) == key) return gMainForm->Node(index);
+    return nullptr;
+}
+
+void SelectNode(const QString& key) {
+    QTreeWidgetItem* node = NodeWithKey(key);
+    QVERIFY2(node, qPrintable(key));
+    gMainForm->TV1->setCurrentItem(node);
+    gMainForm->TV1_NodeClick(node);
+}
+
+QStringList ListedTitles() {
+    QStringList titles;
+    for (int row = 0; row < gMainForm->ListItemCount(); ++row)
+        titles << gMainForm->ListItemText(row);
+    titles.sort();
+    return titles;
+}
+
+frmFind* OpenFindWindow() {
+    ShowFindWindow();
+    frmFind* form = gFindForm;
+    if (form) (void)QTest::qWaitForWindowActive(form);
+    return form;
+}
+
+// The window gets the focus back from the main window. The offscreen platform shares the
+// activation of a window with its owner, so the event is delivered as the system would.
+void ComeBackTo(frmFind* form) {
+    QEvent deactivate(QEvent::WindowDeactivate);
+    QCoreApplication::sendEvent(form, &deactivate);
+    QEvent activate(QEvent::WindowActivate);
+    QCoreApplication::sendEvent(form, &activate);
+}
+
+void Search(frmFind* form) {
+    QTest::mouseClick(form->cmdSearch, Qt::LeftButton);
+}
+
+void TypeInto(QLineEdit* box, const QString& text) {
+    box->clear();
+    QTest::keyClicks(box, text);
+}
+
+}  // namespace
+
+class FindTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void init() {
+        folder_ = std::make_unique<TempProgramFolder>();
+        folder_->openCatalogue();
+        AddTitles();
+        folder_->closeCatalogue();
+        gSearchSQL.clear();
+        StartProgram();
+        QVERIFY(gMainForm);
+    }
+
+    void cleanup() {
+        EndProgram();
+        folder_.reset();
+    }
+
+    void rangesAreTheSameWhicheverListStandsHigher() {
+        ScriptedDialogs dialogs;
+        frmFind* form = OpenFindWindow();
+        QVERIFY(form);
+        QCOMPARE(form->windowTitle(), QString("Search Velmora"));
+        form->Option1[2]->setChecked(true);
+
+        Search(form);
+        QCOMPARE(gSearchSQL, kBase + kDefaultRanges);
+        QCOMPARE(ListedTitles().size(), 5);
+
+        form->ComboTwo[0]->setCurrentText("80");
+        form->ComboTwo[1]->setCurrentText("20");
+        form->ComboTwo[2]->setCurrentText("1");
+        form->ComboTwo[3]->setCurrentText("1");
+        Search(form);
+        const QString reversed = gSearchSQL;
+        QCOMPARE(reversed, kBase +
+                               " and title.rating >= 20 and title.rating <= 80 and title.nrcds "
+                               ">= 1 and title.nrcds <= 1");
+        QCOMPARE(ListedTitles(), QStringList({"Blue Album", "Rock Night", "Shock Wave"}));
+
+        form->ComboTwo[0]->setCurrentText("20");
+        form->ComboTwo[1]->setCurrentText("80");
+        Search(form);
+        QCOMPARE(gSearchSQL, reversed);
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+    }
+
+    void trackSearchKeepsToTheAudioPlatform() {
+        ScriptedDialogs dialogs;
+        SelectNode("key3");
+        frmFind* form = OpenFindWindow();
+        QVERIFY(form);
+        TypeInto(form->Text1[7], "Star");
+        form->Option1[1]->setChecked(true);
+        Search(form);
+        QVERIFY(
+            gSearchSQL.contains(" and platform.idplatform = 3 and "
+                                "title.idplatform = 1 and title.idcd in (select idcd from "
+                                "tracks where TrackName like '*Star*')"));
+        QCOMPARE(gMainForm->NodeKey(gMainForm->SelectedNode()), QString("search"));
+        QCOMPARE(ListedTitles(), QStringList());
+
+        form->Option1[2]->setChecked(true);
+        Search(form);
+        QCOMPARE(ListedTitles(), QStringList({"Blue Album", "Rock Night"}));
+    }
+
+    void wildcardsReachTheStoreAsJetsLike() {
+        ScriptedDialogs dialogs;
+        frmFind* form = OpenFindWindow();
+        QVERIFY(form);
+        form->Option1[2]->setChecked(true);
+        const QList<QPair<QString, QStringList>> cases{
+            {"S*Quest", {"Space Quest"}},
+            {"space quest", {"Space Quest"}},
+            {"Sp?ce", {"Space Quest"}},
+            {"Sp?ace", {}},
+            {"?ock", {"Rock Night", "Shock Wave"}},
+            {"[!R]ock", {"Shock Wave"}},
+            {"[bq]", {"Blue Album", "Space Quest"}},
+        };
+        for (const auto& [pattern, expected] : cases) {
+            TypeInto(form->Text1[0], pattern);
+            Search(form);
+            QCOMPARE(gSearchSQL,
+                     kBase + " and title.nmcd like '*" + pattern + "*'" + kDefaultRanges);
+            QCOMPARE(ListedTitles(), expected);
+        }
+
+        TypeInto(form->Text1[0], "");
+        TypeInto(form->Text1[2], "DISC?");
+        TypeInto(form->Text1[1], " ");
+        Search(form);
+        QCOMPARE(gSearchSQL, kBase + " and vendor.nmvendor like '* *' and label like '*DISC?*'" +
+                                 kDefaultRanges);
+        QCOMPARE(ListedTitles(), QStringList({"Space Quest"}));
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+    }
+
+    void scopeFollowsTheSelectedNode() {
+        ScriptedDialogs dialogs;
+        SelectNode("key3key10");
+        frmFind* form = OpenFindWindow();
+        QVERIFY(form);
+        form->Option1[0]->setChecked(true);
+        Search(form);
+        QCOMPARE(gSearchSQL,
+                 kBase + " and platform.idplatform = 3 and title.idtype = 10" + kDefaultRanges);
+        QCOMPARE(ListedTitles(), QStringList({"Shock Wave", "Space Quest"}));
+
+        SelectNode("key3key10");
+        form->Option1[1]->setChecked(true);
+        Search(form);
+        QCOMPARE(gSearchSQL, kBase + " and platform.idplatform = 3" + kDefaultRanges);
+
+        SelectNode("key1");
+        form->Option1[0]->setChecked(true);
+        Search(form);
+        QCOMPARE(gSearchSQL, kBase + " and platform.idplatform = 1" + kDefaultRanges);
+
+        SelectNode("root");
+        form->Option1[1]->setChecked(true);
+        const QString before = gSearchSQL;
+        dialogs.answerMsgBox(vbNo);
+        Search(form);
+        QCOMPARE(dialogs.msgBoxes.size(), 1);
+        QCOMPARE(dialogs.msgBoxes[0].title, QString("Confirm"));
+        QCOMPARE(dialogs.msgBoxes[0].flags, vbYesNoCancel | vbQuestion);
+        QCOMPARE(gSearchSQL, before);
+        dialogs.answerMsgBox(vbYes);
+        Search(form);
+        QCOMPARE(gSearchSQL, kBase + kDefaultRanges);
+        QCOMPARE(ListedTitles().size(), 5);
+
+        // The search node now shows the result; searching it again is refused.
+        for (int option : {0, 1}) {
+            form->Option1[option]->setEnabled(true);
+            form->Option1[option]->setChecked(true);
+            Search(form);
+            QCOMPARE(dialogs.msgBoxes.last().title,
+                     QString("Unable to search the search-category"));
+            QCOMPARE(dialogs.msgBoxes.last().flags, int(vbCritical));
+        }
+        QCOMPARE(gSearchSQL, kBase + kDefaultRanges);
+    }
+
+    void activationRefreshesTheFormFromTheMainWindow() {
+        ScriptedDialogs dialogs;
+        frmFind* form = OpenFindWindow();
+        QVERIFY(form);
+        QCOMPARE(form->cmbMediatype->count(), 6);
+        QCOMPARE(form->cmbMediatype->currentText(), QString());
+        QCOMPARE(form->ComboTwo[1]->currentText(), QString("100"));
+        QCOMPARE(form->ComboTwo[3]->currentText(), QString("12"));
+        QVERIFY(form->Text1[0]->hasFocus());
+
+        QTest::keyClicks(form->cmbMediatype, "DVD");
+        gDatabase->Execute("insert into mediatype (nmmediatype, iddevicetype) values ('BD-R', 1)");
+        ComeBackTo(form);
+        QCOMPARE(form->cmbMediatype->count(), 7);
+        QCOMPARE(form->cmbMediatype->currentText(), QString("DVD"));
+
+        form->Option1[2]->setChecked(true);
+        Search(form);
+        QCOMPARE(gSearchSQL, kBase + " and nmmediatype like '*DVD*'" + kDefaultRanges);
+        QCOMPARE(ListedTitles(), QStringList({"Rock Night"}));
+
+        // With the search node selected only the whole catalogue can be searched, until another
+        // node is chosen.
+        form->Option1[0]->setChecked(true);
+        ComeBackTo(form);
+        QVERIFY(form->Option1[2]->isChecked());
+        QVERIFY(!form->Option1[0]->isEnabled() && !form->Option1[1]->isEnabled());
+        SelectNode("key1");
+        ComeBackTo(form);
+        QVERIFY(form->Option1[0]->isEnabled() && form->Option1[1]->isEnabled());
+        QVERIFY(form->Option1[2]->isChecked());
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+    }
+
+    void keysSearchAndClose() {
+        ScriptedDialogs dialogs;
+        frmFind* form = OpenFindWindow();
+        QVERIFY(form);
+        form->Option1[2]->setChecked(true);
+        TypeInto(form->Text1[0], "Quest");
+        QTest::keyClick(form->Text1[0], Qt::Key_Return);
+        QCOMPARE(ListedTitles(), QStringList({"Space Quest"}));
+
+        // A key-up whose key-down went elsewhere does nothing.
+        TypeInto(form->Text1[0], "Rock");
+        QTest::keyRelease(form->Text1[1], Qt::Key_Return);
+        QCOMPARE(ListedTitles(), QStringList({"Space Quest"}));
+
+        QTest::keyClick(form->ComboTwo[0], Qt::Key_Enter);
+        QCOMPARE(ListedTitles(), QStringList({"Rock Night"}));
+
+        const QPointer<frmFind> guard(form);
+        QTest::keyClick(form->Text1[3], Qt::Key_Escape);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(guard.isNull());
+        QVERIFY(!gFindForm);
+        QVERIFY(!gSearchSQL.isEmpty());
+        ShowFindWindow();
+        QVERIFY(gFindForm);
+        QCOMPARE(gFindForm->Text1[0]->text(), QString());
+    }
+
+  private:
+    std::unique_ptr<TempProgramFolder> folder_;
+};
+
+VELMORA_TEST_MAIN(FindTest)
+#include "frmFind_test.moc"

@@ -1,0 +1,194 @@
+// Compaction of the catalogue at exit: the compacted copy, the refusal of a leftover temporary
+// file, the swap, and the window that cannot be closed while it works.
+
+#include <QRegularExpression>
+
+#include "shell/frmMain.h"
+#include "shell/frmSplash.h"
+#include "shell/mGlobals.h"
+#include "store/catalogue.h"
+#include "store/frmPerformAction.h"
+#include "store/guardedfile.h"
+#include "support/testsupport.h"
+#include "toolkit/vbruntime.h"
+
+namespace {
+
+void StartProgram() {
+    gSplashForm = new frmSplash();
+    gMainForm = new frmMain();
+    gMainForm->Form_Load();
+}
+
+void EndProgram() {
+    if (!gMainForm) return;
+    gMainForm->SetMousePointer(vbArrow);
+    gMainForm->Unload();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+QByteArray FileHead(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    return file.read(15);
+}
+
+long TitleCount() {
+    auto titles = gDatabase->OpenRecordset("select * from title", dbOpenDynaset);
+    if (!titles->IsEOF()) titles->MoveLast();
+    return titles->RecordCount();
+}
+
+void AddTitle(int idcd, const QString& memo) {
+    gDatabase->Execute(
+        "insert into title (idcd, nmcd, idvendor, idplatform, idtype, idspecific, idmediatype, "
+        "memo) values (" +
+        QString::number(idcd) + ", 'Title " + QString::number(idcd) + "', 1, 1, 1, 1, 1, '" + memo +
+        "')");
+}
+
+const QRegularExpression kEngineErrors("^(\\d+\\|[^\\t]+\\t)+$");
+
+}  // namespace
+
+class CompactionTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void compactIntoMakesASmallerCopyAndNeverOverwrites() {
+        TempProgramFolder folder;
+        folder.openCatalogue();
+        const QString memo(2000, QChar('m'));
+        for (int idcd = 1; idcd <= 400; ++idcd) AddTitle(idcd, memo);
+        gDatabase->Execute("delete from title where idcd > 10");
+        folder.closeCatalogue();
+
+        const QString target = folder.file("data.compacted");
+        QCOMPARE(CompactInto(gDatabasePath, target, gDatabasePassword), QString());
+        QVERIFY(QFileInfo(target).size() < QFileInfo(gDatabasePath).size());
+
+        const QByteArray compacted = [&] {
+            QFile file(target);
+            file.open(QIODevice::ReadOnly);
+            return file.readAll();
+        }();
+        const QString errors = CompactInto(gDatabasePath, target, gDatabasePassword);
+        QVERIFY2(kEngineErrors.match(errors).hasMatch(), qPrintable(errors));
+        QVERIFY(errors.startsWith("3204|"));
+        QFile file(target);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), compacted);
+        file.close();
+
+        gDatabase = DBEngine::OpenDatabase(target, true, false, ";pwd=" + gDatabasePassword);
+        QCOMPARE(TitleCount(), 10L);
+        folder.closeCatalogue();
+        QVERIFY_THROWS_EXCEPTION(VbError,
+                                 DBEngine::OpenDatabase(target, true, false, ";pwd=another"));
+    }
+
+    void leftoverTemporaryFileFailsEveryExitAndKeepsTheCatalogue() {
+        TempProgramFolder folder;
+        folder.installCatalogue();
+        const QString leftover = folder.file("data.compacted");
+        {
+            QFile file(leftover);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("partial");
+        }
+        ScriptedDialogs dialogs;
+        for (int run = 1; run <= 2; ++run) {
+            StartProgram();
+            QVERIFY(gMainForm);
+            QCOMPARE(TitleCount(), long(run - 1));
+            AddTitle(run, "kept");
+            EndProgram();
+
+            QCOMPARE(dialogs.msgBoxes.size(), run);
+            const MsgBoxCall& box = dialogs.msgBoxes.last();
+            QCOMPARE(box.title, QString("Error compacting database"));
+            QCOMPARE(box.flags, int(vbCritical));
+            QVERIFY2(box.prompt.startsWith("3204|"), qPrintable(box.prompt));
+            QVERIFY(kEngineErrors.match(box.prompt).hasMatch());
+            QCOMPARE(FileHead(folder.file("data.gdb")), QByteArray("SQLite format F"));
+            QFile file(leftover);
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            QCOMPARE(file.readAll(), QByteArray("partial"));
+        }
+    }
+
+    void cleanExitSwapsTheFileAndKeepsThePassword() {
+        TempProgramFolder folder;
+        folder.installCatalogue();
+        ScriptedDialogs dialogs;
+        StartProgram();
+        QVERIFY(gMainForm);
+        AddTitle(1, "after the swap");
+        EndProgram();
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+        QVERIFY(!QFile::exists(folder.file("data.compacted")));
+        QCOMPARE(FileHead(folder.file("data.gdb")), QByteArray("SQLite format F"));
+
+        StartProgram();
+        QVERIFY(gMainForm);
+        QVERIFY(gDatabase);
+        QCOMPARE(TitleCount(), 1L);
+        EndProgram();
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+
+        FlipDatabaseHeader(folder.file("data.gdb"), kUnguardHeader);
+        try {
+            DBEngine::OpenDatabase(folder.file("data.gdb"), true, false, ";pwd=another");
+            QFAIL("a wrong password opened the compacted catalogue");
+        } catch (const VbError& error) {
+            QCOMPARE(error.Number, 3031);
+        }
+    }
+
+    void windowCannotBeClosedAndClosesItselfWhenDone() {
+        TempProgramFolder folder;
+        folder.openCatalogue();
+        AddTitle(1, "one");
+        AddTitle(2, "two");
+        gViewSQL = "Select * from title";
+
+        auto* standing = new frmPerformAction();
+        QCOMPARE(standing->lblAction->text(), QString("Compacting main database..."));
+        QVERIFY(!(standing->windowFlags() & Qt::WindowCloseButtonHint));
+        QCOMPARE(standing->tmrStart->interval(), 180);
+        QCOMPARE(standing->tmrControl->interval(), 100);
+        QCOMPARE(standing->tmrUnload->interval(), 500);
+        QVERIFY(!standing->tmrUnload->isActive());
+        standing->tmrStart->stop();
+        standing->show();
+        QVERIFY(QTest::qWaitForWindowExposed(standing));
+        standing->close();
+        QTest::keyClick(standing, Qt::Key_Escape);
+        QTest::keyClick(standing, Qt::Key_F4, Qt::AltModifier);
+        QVERIFY(standing->isVisible());
+        delete standing;
+
+        // Reopening brings back the current view with its filter, as the maintenance window
+        // leaves it.
+        QString shownText;
+        QTimer::singleShot(50, [&] {
+            if (auto* modal = qobject_cast<frmPerformAction*>(QApplication::activeModalWidget()))
+                shownText = modal->lblAction->text();
+        });
+        ScriptedDialogs dialogs;
+        (new frmPerformAction())
+            ->PerformAction(frmPerformAction::CompactMainDatabase, nullptr, true, "idcd > 1",
+                            QString(), false);
+        QCOMPARE(shownText, QString("Compacting main database..."));
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+        QVERIFY(!QFile::exists(folder.file("data.compacted")));
+        QVERIFY(gDatabase && gRecordset);
+        QCOMPARE(gRecordset->Filter(), QString("idcd > 1"));
+        QCOMPARE(gRecordset->SQL(), gViewSQL);
+        QCOMPARE(TitleCount(), 2L);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+};
+
+VELMORA_TEST_MAIN(CompactionTest)
+#include "compaction_test.moc"
