@@ -97,6 +97,12 @@ void Report(const QString& name, const Times& times) {
                         << QString::number(Median(times.cpu), 'f', 1) << " ms)\n";
 }
 
+// Scenarios that take their own times give clock times only.
+void Report(const QString& name, const std::vector<double>& wall) {
+    QTextStream(stdout) << name << ": median " << QString::number(Median(wall), 'f', 1) << " ms ("
+                        << wall.size() << " runs)\n";
+}
+
 // The list of the root folder is read again as a forced refresh does, up to its first paint.
 void ReadRecordsRoot(Catalogues& catalogues, int titles, int runs) {
     App.Path = catalogues.FolderFor(titles);

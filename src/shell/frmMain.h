@@ -240,6 +240,7 @@ class frmMain : public QMainWindow {
     int mousePointer_ = 0;
     bool loading_ = false;
     bool unloaded_ = false;
+    bool catalogueOpened_ = false;
     QList<QLabel*> panels_;
     SingleInstance* instance_ = nullptr;
     QList<QTreeWidgetItem*> nodes_;

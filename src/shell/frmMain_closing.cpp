@@ -67,14 +67,18 @@ void frmMain::Form_Unload() {
     }
 
     if (!gSecondInstance) {
-        try {
-            if (FileExists(gDatabasePath) && GetAttr(gDatabasePath) != vbArchive)
-                SetAttr(gDatabasePath, vbArchive);
-        } catch (const VbError&) {
+        // A catalogue this run could not open (missing, refused, someone else's) is left as the
+        // user answered; compacting it could only fail with a second, confusing report.
+        if (catalogueOpened_) {
+            try {
+                if (FileExists(gDatabasePath) && GetAttr(gDatabasePath) != vbArchive)
+                    SetAttr(gDatabasePath, vbArchive);
+            } catch (const VbError&) {
+            }
+            (new frmPerformAction())
+                ->PerformAction(frmPerformAction::CompactMainDatabase, this, false, QString(),
+                                QString(), false);
         }
-        (new frmPerformAction())
-            ->PerformAction(frmPerformAction::CompactMainDatabase, this, false, QString(),
-                            QString(), false);
         try {
             if (FileExists(gDatabasePath)) FlipDatabaseHeader(gDatabasePath, kGuardHeader);
         } catch (const VbError&) {

@@ -73,6 +73,7 @@ bool frmMain::OpenDatabaseStage2() {
         SetSplashStatus("Opening database");
         gDatabasePassword = kDatabasePassword;
         OpenCatalogue();
+        catalogueOpened_ = true;
         return true;
     } catch (const VbError& error) {
         ReportUnableToLoad(error);

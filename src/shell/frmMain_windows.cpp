@@ -9,7 +9,9 @@ void frmMain::ShowEditor() {
     ShowEditForm();
 }
 
-void frmMain::ShowSearch() { ShowFindWindow(); }
+void frmMain::ShowSearch() {
+    ShowFindWindow();
+}
 
 void frmMain::ShowDatabaseWindow() {}
 

@@ -1,5 +1,6 @@
 // The main window's commands, driven through the real button bar, menus, mouse and keys.
 
+#include "editor/frmEdit.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobals.h"
@@ -81,6 +82,9 @@ class CommandsTest : public QObject {
     }
 
     void SelectListRow(int row) {
+        // A modal window closed just before may have left the main window inactive.
+        form()->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(form()));
         QTest::mouseClick(form()->ListView1->viewport(), Qt::LeftButton, Qt::NoModifier,
                           ListRowPoint(row));
         form()->ListView1->setFocus();
@@ -170,6 +174,7 @@ class CommandsTest : public QObject {
 
         form()->SetMousePointer(vbArrow);
         gModifyingTitle = true;
+        testsupport::RejectNextModal();
         form()->ToolbarButton("addcd")->trigger();
         QVERIFY(gAddingTitle);
         QVERIFY(!gModifyingTitle);
@@ -177,6 +182,7 @@ class CommandsTest : public QObject {
         // Modify needs a selected title in the list that has the focus; it gives the arrow
         // back when the editor closes.
         SelectListRow(0);
+        testsupport::RejectNextModal();
         form()->ToolbarButton("modifycd")->trigger();
         QVERIFY(gModifyingTitle);
         QVERIFY(!gAddingTitle);
@@ -266,9 +272,13 @@ class CommandsTest : public QObject {
         QVERIFY(!gModifyingTitle);
 
         SelectListRow(0);
+        bool editorOpened = false;
+        testsupport::RejectNextModal(
+            [&](QWidget* window) { editorOpened = qobject_cast<frmEdit*>(window) != nullptr; });
         QTest::mouseDClick(form()->ListView1->viewport(), Qt::LeftButton, Qt::NoModifier,
                            ListRowPoint(0));
         QVERIFY(gModifyingTitle);
+        QVERIFY(editorOpened);
         QVERIFY(!form()->listItemClicked);
     }
 

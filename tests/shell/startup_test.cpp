@@ -45,13 +45,16 @@ QByteArray Head(const QString& path, int length = 100) {
 class StartupTest : public QObject {
     Q_OBJECT
   private slots:
+    void init() { folder_ = std::make_unique<TempProgramFolder>(); }
+
     void cleanup() {
         EndProgram();
         gSecondInstance = false;
+        folder_.reset();
     }
 
     void installsMissingCatalogueAndGuardsItAtExit() {
-        TempProgramFolder folder;
+        TempProgramFolder& folder = *folder_;
         folder.installTemplate();
         ScriptedDialogs dialogs;
 
@@ -65,16 +68,21 @@ class StartupTest : public QObject {
         QCOMPARE(gSplashForm->Status(), QString("Brings you only the best"));
         QVERIFY(gSplashForm->Timer->isActive());
 
-        const QByteArray running = Head(gDatabasePath);
-        QVERIFY(running.startsWith("SQLite format 3"));
+        QVERIFY(Head(gDatabasePath).startsWith("SQLite format 3"));
         EndProgram();
 
+        // The exit compacts the file and then changes exactly one byte of it to guard it.
         QVERIFY(!gDatabase);
+        QVERIFY(!QFile::exists(folder.file("data.compacted")));
         const QByteArray closed = Head(folder.file("data.gdb"));
         QCOMPARE(closed.size(), 100);
         QCOMPARE(closed.at(14), char(0x46));
+        FlipDatabaseHeader(folder.file("data.gdb"), kUnguardHeader);
+        const QByteArray usable = Head(folder.file("data.gdb"));
         for (int offset = 0; offset < 100; ++offset)
-            if (offset != 14) QCOMPARE(closed.at(offset), running.at(offset));
+            if (offset != 14) QCOMPARE(closed.at(offset), usable.at(offset));
+        FlipDatabaseHeader(folder.file("data.gdb"), kGuardHeader);
+        QCOMPARE(Head(folder.file("data.gdb")), closed);
 
         const QString key = "HKEY_LOCAL_MACHINE\\Software\\Dorvik Software\\Velmora";
         QCOMPARE(GetRegistryValue(key, "AppPath"), App.Path);
@@ -96,7 +104,7 @@ class StartupTest : public QObject {
     }
 
     void missingTemplateEndsWithTheInstallBox() {
-        TempProgramFolder folder;
+        TempProgramFolder& folder = *folder_;
         ScriptedDialogs dialogs;
 
         QVERIFY(!StartProgram());
@@ -110,7 +118,7 @@ class StartupTest : public QObject {
     }
 
     void readOnlyCatalogueAsksOnce() {
-        TempProgramFolder folder;
+        TempProgramFolder& folder = *folder_;
         folder.installCatalogue();
         const QString path = folder.file("data.gdb");
 
@@ -138,7 +146,7 @@ class StartupTest : public QObject {
     }
 
     void wrongPasswordShowsBothBoxesAndEnds() {
-        TempProgramFolder folder;
+        TempProgramFolder& folder = *folder_;
         folder.installCatalogue();
         sqlite3* db = nullptr;
         QCOMPARE(sqlite3_open(folder.file("data.gdb").toUtf8().constData(), &db), SQLITE_OK);
@@ -159,7 +167,7 @@ class StartupTest : public QObject {
     }
 
     void secondInstanceRaisesTheFirstAndLeavesTheFileAlone() {
-        TempProgramFolder folder;
+        TempProgramFolder& folder = *folder_;
         folder.installTemplate();
         ScriptedDialogs dialogs;
 
@@ -182,7 +190,7 @@ class StartupTest : public QObject {
     }
 
     void busyWindowRefusesToCloseAndKeepsItsLimits() {
-        TempProgramFolder folder;
+        TempProgramFolder& folder = *folder_;
         folder.installTemplate();
         ScriptedDialogs dialogs;
         frmMain* window = StartProgram();
@@ -199,6 +207,9 @@ class StartupTest : public QObject {
         window->resize(window->width(), 10);
         QTRY_VERIFY(window->frameGeometry().height() * 15 >= 490);
     }
+
+  private:
+    std::unique_ptr<TempProgramFolder> folder_;
 };
 
 VELMORA_TEST_MAIN(StartupTest)

@@ -1,8 +1,11 @@
 #include "support/testsupport.h"
 
+#include <QDialog>
 #include <QDir>
 #include <QFile>
+#include <QTimer>
 #include <cstdlib>
+#include <memory>
 
 #include "store/catalogue.h"
 #include "toolkit/vbruntime.h"
@@ -64,8 +67,7 @@ ScriptedDialogs::ScriptedDialogs() {
 }
 
 ScriptedDialogs::~ScriptedDialogs() {
-    SetMsgBoxResponder({});
-    SetInputBoxResponder({});
+    testsupport::InstallUnscriptedResponders();
 }
 
 QStringList ScriptedDialogs::prompts() const {
@@ -75,6 +77,34 @@ QStringList ScriptedDialogs::prompts() const {
 }
 
 namespace testsupport {
+
+void RejectNextModal(std::function<void(QWidget*)> inspect) {
+    auto* poll = new QTimer();
+    poll->setInterval(10);
+    auto attempts = std::make_shared<int>(0);
+    QObject::connect(poll, &QTimer::timeout, [poll, attempts, inspect] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!dialog && ++*attempts < 500) return;
+        poll->stop();
+        poll->deleteLater();
+        if (!dialog) return;
+        if (inspect) inspect(dialog);
+        dialog->reject();
+    });
+    poll->start();
+}
+
+void InstallUnscriptedResponders() {
+    // A box nobody scripted must not wait for a user who is not there.
+    SetMsgBoxResponder([](const MsgBoxCall& call) {
+        qWarning("unscripted message box: %s", qPrintable(call.prompt));
+        return int(vbCancel);
+    });
+    SetInputBoxResponder([](const InputBoxCall& call) {
+        qWarning("unscripted input box: %s", qPrintable(call.prompt));
+        return QString();
+    });
+}
 
 void PrepareEnvironment() {
     static QTemporaryDir home;

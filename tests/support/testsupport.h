@@ -8,6 +8,7 @@
 #include <QQueue>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <functional>
 
 #include "toolkit/msgbox.h"
 #include "toolkit/resources.h"
@@ -57,6 +58,11 @@ namespace testsupport {
 // Points HOME and the XDG folders at a private temporary folder and selects the offscreen
 // platform, before the application object exists.
 void PrepareEnvironment();
+// Closes the next modal window as soon as it is up, after handing it to inspect: a command
+// that opens one modally then returns in a test.
+void RejectNextModal(std::function<void(QWidget*)> inspect = {});
+// Boxes asked outside a ScriptedDialogs are answered Cancel (or empty) with a warning.
+void InstallUnscriptedResponders();
 QString TemplatePath();
 QString HelpFolder();
 }  // namespace testsupport
