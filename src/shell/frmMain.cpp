@@ -12,6 +12,7 @@
 #include "shell/mGlobals.h"
 #include "shell/readrecords.h"
 #include "shell/singleinstance.h"
+#include "shell/statuspanel.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
 #include "store/guardedfile.h"
@@ -71,16 +72,13 @@ void frmMain::BuildWindow() {
     StatusBar1->setObjectName("StatusBar1");
     setStatusBar(StatusBar1);
     for (int panel = 1; panel <= 3; ++panel) {
-        auto* label = new QLabel(StatusBar1);
-        label->setFrameShape(QFrame::StyledPanel);
-        label->setFrameShadow(QFrame::Sunken);
+        auto* label = new StatusPanel(StatusBar1);
         StatusBar1->addPermanentWidget(label, panel == 1 ? 1 : 0);
         panels_.append(label);
     }
-    // The count panel changes on every row of a fill; a fixed width spares the status bar a new
-    // layout each time.
+    // The count panel keeps one width whatever it counts.
     const int countWidth = panels_[1]->fontMetrics().horizontalAdvance(gItemCountText + "00");
-    panels_[1]->setFixedWidth(countWidth + 2 * panels_[1]->frameWidth());
+    panels_[1]->setFixedWidth(countWidth + 2 * panels_[1]->frameWidth() + 8);
     SetPanelText(3, "Record");
 
     // The search node read before any search asks for the search window, after the read.
@@ -105,7 +103,7 @@ QString frmMain::PanelText(int panel) const {
 }
 
 void frmMain::SetPanelText(int panel, const QString& text) {
-    if (QLabel* label = panels_.value(panel - 1)) label->setText(text);
+    if (StatusPanel* label = panels_.value(panel - 1)) label->setText(text);
 }
 
 void frmMain::FlipDatabaseHeader(const QString& path, int mode) {

@@ -11,6 +11,7 @@
 #include <functional>
 
 class SingleInstance;
+class StatusPanel;
 class TitleListModel;
 class VbError;
 
@@ -241,7 +242,7 @@ class frmMain : public QMainWindow {
     bool loading_ = false;
     bool unloaded_ = false;
     bool catalogueOpened_ = false;
-    QList<QLabel*> panels_;
+    QList<StatusPanel*> panels_;
     SingleInstance* instance_ = nullptr;
     QList<QTreeWidgetItem*> nodes_;
     QTreeWidgetItem* dropHighlight_ = nullptr;

@@ -131,11 +131,18 @@ void UpdateItemCount(long count, const QString& mode) {
         const long present = gMainForm->PanelText(2).left(5).toLong();
         number = mode == "plus" ? present + 1 : present - 1;
     }
-    // Format's "00000" for whole numbers, without its general parsing: this runs for every row
-    // of a fill.
-    QString text = QString::number(std::abs(number)).rightJustified(5, '0');
-    if (number < 0) text.prepend('-');
-    text.append(QStringView(gItemCountText).mid(5));
+    // Format's "00000" for whole numbers, written over the template's first five characters
+    // without general parsing: this runs for every row of a fill.
+    QString text = gItemCountText;
+    if (number >= 0 && number <= 99999 && text.size() >= 5) {
+        QChar* digits = text.data();
+        for (int position = 4; position >= 0; --position, number /= 10)
+            digits[position] = QChar(static_cast<char16_t>(u'0' + number % 10));
+    } else {
+        QString formatted = QString::number(std::abs(number)).rightJustified(5, '0');
+        if (number < 0) formatted.prepend('-');
+        text = formatted + gItemCountText.mid(5);
+    }
     gMainForm->SetPanelText(2, text);
 }
 
