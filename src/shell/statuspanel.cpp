@@ -10,6 +10,8 @@ StatusPanel::StatusPanel(QWidget* parent) : QFrame(parent) {
 void StatusPanel::setText(const QString& text) {
     if (text == text_) return;
     text_ = text;
+    // Only a panel without a fixed width needs the status bar to make room for its new text.
+    if (minimumWidth() != maximumWidth()) updateGeometry();
     // One scheduled repaint shows the latest text; asking again before it ran costs time only.
     if (repaintPending_) return;
     repaintPending_ = true;
@@ -17,7 +19,7 @@ void StatusPanel::setText(const QString& text) {
 }
 
 QSize StatusPanel::sizeHint() const {
-    const int margin = 2 * frameWidth() + 8;
+    const int margin = 2 * frameWidth() + 14;
     return {fontMetrics().horizontalAdvance(text_) + margin, fontMetrics().height() + margin / 2};
 }
 
