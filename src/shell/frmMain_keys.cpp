@@ -7,18 +7,9 @@
 #include "shell/frmMain.h"
 #include "shell/mGlobals.h"
 
-namespace {
+#include "toolkit/vbruntime.h"
 
-int ButtonNumber(Qt::MouseButton button) {
-    switch (button) {
-        case Qt::RightButton:
-            return 2;
-        case Qt::MiddleButton:
-            return 4;
-        default:
-            return 1;
-    }
-}
+namespace {
 
 // Hands the views' keys, mouse-ups and double clicks to the window's handlers. A right button
 // in the tree is the menu's alone: the tree must not move its selection under a right click.
@@ -55,7 +46,7 @@ class CommandEvents : public QObject {
     }
 
     bool MouseEvent(QObject* watched, QMouseEvent* event) {
-        const int button = ButtonNumber(event->button());
+        const int button = VbMouseButton(event->button());
         const QPoint position = event->position().toPoint();
         if (watched == form_->TV1->viewport()) {
             if (button != 2) return false;

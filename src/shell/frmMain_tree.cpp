@@ -7,22 +7,13 @@
 #include "shell/mGlobals.h"
 #include "toolkit/imagelists.h"
 
+#include "toolkit/vbruntime.h"
+
 namespace {
 
 const int kNodeKeyRole = Qt::UserRole;
 const int kWaitInterval = 800;
 const QSize kIconSize(16, 16);
-
-int VbButton(Qt::MouseButton button) {
-    switch (button) {
-        case Qt::RightButton:
-            return 2;
-        case Qt::MiddleButton:
-            return 4;
-        default:
-            return 1;
-    }
-}
 
 // Hands the tree's mouse and focus events to the window's handlers. A right button only
 // marks the node under it for the folder menu; the selection stays where it is.
@@ -36,7 +27,7 @@ class TreeEvents : public QObject {
             form_->TV1_GotFocus();
         } else if (event->type() == QEvent::MouseButtonPress) {
             auto* mouse = static_cast<QMouseEvent*>(event);
-            const int button = VbButton(mouse->button());
+            const int button = VbMouseButton(mouse->button());
             form_->TV1_MouseDown(button);
             if (button == 2) {
                 form_->SetDropHighlight(form_->TV1->itemAt(mouse->position().toPoint()));

@@ -13,6 +13,17 @@ const QString kMakerWebAddress = "http://www.dorviksoftware.example";
 const QString kMakerEmail = "support@dorviksoftware.example";
 QString gUpdateServer = "http://updates.dorviksoftware.example";
 
+int VbMouseButton(Qt::MouseButton button) {
+    switch (button) {
+        case Qt::RightButton:
+            return 2;
+        case Qt::MiddleButton:
+            return 4;
+        default:
+            return 1;
+    }
+}
+
 void DoEvents() {
     QCoreApplication::processEvents();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/qnamespace.h>
 #include <QDate>
 #include <QString>
 #include <QTime>
@@ -26,6 +27,9 @@ extern QString gUpdateServer;
 
 // The window's busy flag values.
 enum MousePointerValue { vbDefault = 0, vbArrow = 1, vbHourglass = 11 };
+
+// A mouse button as the program's handlers number it: 1 left, 2 right, 4 middle.
+int VbMouseButton(Qt::MouseButton button);
 
 // Hands control to the event loop, so windows repaint and timers fire during long work.
 void DoEvents();

@@ -39,19 +39,6 @@ void AddTitles() {
         gDatabase->Execute("insert into Tracks (idcd, TrackID, TrackName) values (" + track + ")");
 }
 
-void StartProgram() {
-    gSplashForm = new frmSplash();
-    gMainForm = new frmMain();
-    gMainForm->Form_Load();
-}
-
-void EndProgram() {
-    if (!gMainForm) return;
-    gMainForm->SetMousePointer(vbArrow);
-    gMainForm->Unload();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
 QTreeWidgetItem* NodeWithKey(const QString& key) {
     for (int index = 1; index <= gMainForm->NodeCount(); ++index)
         if (gMainForm->NodeKey(gMainForm->Node(index)) == key) return gMainForm->Node(index);

@@ -56,6 +56,7 @@ class ListTest : public QObject {
         folder_ = std::make_unique<TempProgramFolder>();
         folder_->installCatalogue();
         StartProgram();
+        QVERIFY(QTest::qWaitForWindowExposed(gMainForm));
     }
 
     void cleanup() {

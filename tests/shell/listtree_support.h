@@ -13,20 +13,6 @@
 
 namespace listtree {
 
-inline void StartProgram() {
-    gSplashForm = new frmSplash();
-    gMainForm = new frmMain();
-    gMainForm->Form_Load();
-    QVERIFY(QTest::qWaitForWindowExposed(gMainForm));
-}
-
-inline void EndProgram() {
-    if (!gMainForm) return;
-    gMainForm->SetMousePointer(vbArrow);
-    gMainForm->Unload();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
 // Adds a title to the open catalogue and returns its idcd.
 inline long AddTitle(const QString& name, int platform, int type, int specific, int vendor,
                      int mediatype = 1, int nrcds = 1) {

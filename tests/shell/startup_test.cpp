@@ -17,23 +17,6 @@
 
 namespace {
 
-frmMain* StartProgram() {
-    gSplashForm = new frmSplash();
-    gSplashForm->show();
-    auto* window = new frmMain();
-    gMainForm = window;
-    window->Form_Load();
-    return gMainForm;
-}
-
-void EndProgram() {
-    if (gMainForm) {
-        gMainForm->SetMousePointer(vbArrow);
-        gMainForm->Unload();
-    }
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
 QByteArray Head(const QString& path, int length = 100) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return {};

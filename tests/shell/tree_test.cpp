@@ -17,6 +17,7 @@ class TreeTest : public QObject {
         folder_ = std::make_unique<TempProgramFolder>();
         folder_->installCatalogue();
         StartProgram();
+        QVERIFY(QTest::qWaitForWindowExposed(gMainForm));
         // The context menu that follows a right click is closed at once, as by Escape.
         gMainForm->PopupMenuHook = [](QMenu*) {};
     }

@@ -14,19 +14,6 @@
 
 namespace {
 
-void StartProgram() {
-    gSplashForm = new frmSplash();
-    gMainForm = new frmMain();
-    gMainForm->Form_Load();
-}
-
-void EndProgram() {
-    if (!gMainForm) return;
-    gMainForm->SetMousePointer(vbArrow);
-    gMainForm->Unload();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
 QByteArray FileHead(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return {};

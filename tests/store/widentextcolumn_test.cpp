@@ -35,19 +35,6 @@ void MakeNarrowLabelCatalogue(const QString& path, bool leaveTemporaryColumn) {
     sqlite3_close(db);
 }
 
-void StartProgram() {
-    gSplashForm = new frmSplash();
-    gMainForm = new frmMain();
-    gMainForm->Form_Load();
-}
-
-void EndProgram() {
-    if (!gMainForm) return;
-    gMainForm->SetMousePointer(vbArrow);
-    gMainForm->Unload();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
 // The labels in idcd order, and the width the file declares for the column.
 QPair<QVariantList, int> Labels() {
     auto titles = gDatabase->OpenRecordset("select idcd, label from title order by idcd");

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <memory>
 
+#include "shell/frmMain.h"
+#include "shell/frmSplash.h"
 #include "store/catalogue.h"
 #include "toolkit/vbruntime.h"
 
@@ -53,6 +55,21 @@ void TempProgramFolder::closeCatalogue() {
         gDatabase->Close();
         gDatabase.reset();
     }
+}
+
+frmMain* StartProgram() {
+    gSplashForm = new frmSplash();
+    gSplashForm->show();
+    gMainForm = new frmMain();
+    gMainForm->Form_Load();
+    return gMainForm;
+}
+
+void EndProgram() {
+    if (!gMainForm) return;
+    gMainForm->SetMousePointer(vbArrow);
+    gMainForm->Unload();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 ScriptedDialogs::ScriptedDialogs() {

@@ -54,6 +54,14 @@ class ScriptedDialogs {
     QStringList prompts() const;
 };
 
+class frmMain;
+
+// Starts the program in App.Path as its entry point does (splash, main window, start-up), and
+// returns the main window, or null when the start-up ended the program.
+frmMain* StartProgram();
+// Ends a running program through its exit, as Quit does.
+void EndProgram();
+
 namespace testsupport {
 // Points HOME and the XDG folders at a private temporary folder and selects the offscreen
 // platform, before the application object exists.
