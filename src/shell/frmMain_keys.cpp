@@ -6,7 +6,6 @@
 
 #include "shell/frmMain.h"
 #include "shell/mGlobals.h"
-
 #include "toolkit/vbruntime.h"
 
 namespace {

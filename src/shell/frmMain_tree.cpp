@@ -6,7 +6,6 @@
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
 #include "toolkit/imagelists.h"
-
 #include "toolkit/vbruntime.h"
 
 namespace {
