@@ -27,33 +27,19 @@ class RunningProgram {
   public:
     RunningProgram() {
         folder.installTemplate();
-        gSplashForm = new frmSplash();
-        gMainForm = new frmMain();
-        gMainForm->Form_Load();
+        StartProgram();
     }
     ~RunningProgram() {
         if (gEditForm) gEditForm->Unload();
-        if (gMainForm) {
-            gMainForm->SetMousePointer(vbArrow);
-            gMainForm->Unload();
-        }
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EndProgram();
     }
 
     TempProgramFolder folder;
 };
 
-inline QTreeWidgetItem* NodeByKey(const QString& key) {
-    for (int index = 1; index <= gMainForm->NodeCount(); ++index) {
-        QTreeWidgetItem* node = gMainForm->Node(index);
-        if (gMainForm->NodeKey(node) == key) return node;
-    }
-    return nullptr;
-}
-
 // Selects the node and reads its list at once.
 inline void SelectNode(const QString& key) {
-    QTreeWidgetItem* node = NodeByKey(key);
+    QTreeWidgetItem* node = NodeWithKey(key);
     QVERIFY2(node, qPrintable("no tree node " + key));
     ForceSelectNode(gMainForm->NodeIndex(node));
 }

@@ -39,12 +39,6 @@ void AddTitles() {
         gDatabase->Execute("insert into Tracks (idcd, TrackID, TrackName) values (" + track + ")");
 }
 
-QTreeWidgetItem* NodeWithKey(const QString& key) {
-    for (int index = 1; index <= gMainForm->NodeCount(); ++index)
-        if (gMainForm->NodeKey(gMainForm->Node(index)) == key) return gMainForm->Node(index);
-    return nullptr;
-}
-
 void SelectNode(const QString& key) {
     QTreeWidgetItem* node = NodeWithKey(key);
     QVERIFY2(node, qPrintable(key));

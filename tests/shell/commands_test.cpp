@@ -37,12 +37,6 @@ class CommandsTest : public QObject {
 
     frmMain* form() { return gMainForm; }
 
-    QTreeWidgetItem* NodeWithKey(const QString& key) {
-        for (int index = 1; index <= form()->NodeCount(); ++index)
-            if (form()->NodeKey(form()->Node(index)) == key) return form()->Node(index);
-        return nullptr;
-    }
-
     QPoint NodePoint(QTreeWidgetItem* node) {
         form()->TV1->scrollToItem(node);
         return form()->TV1->visualItemRect(node).center();

@@ -29,12 +29,6 @@ inline long AddTitle(const QString& name, int platform, int type, int specific, 
     return last->Fields("last").Value().toLongLong();
 }
 
-inline QTreeWidgetItem* NodeWithKey(const QString& key) {
-    for (int index = 1; index <= gMainForm->NodeCount(); ++index)
-        if (gMainForm->NodeKey(gMainForm->Node(index)) == key) return gMainForm->Node(index);
-    return nullptr;
-}
-
 inline void ClickNode(QTreeWidgetItem* node, Qt::MouseButton button = Qt::LeftButton) {
     QTreeWidget* tree = gMainForm->TV1;
     tree->scrollToItem(node);

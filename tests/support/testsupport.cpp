@@ -72,6 +72,12 @@ void EndProgram() {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
+QTreeWidgetItem* NodeWithKey(const QString& key) {
+    for (int index = 1; index <= gMainForm->NodeCount(); ++index)
+        if (gMainForm->NodeKey(gMainForm->Node(index)) == key) return gMainForm->Node(index);
+    return nullptr;
+}
+
 ScriptedDialogs::ScriptedDialogs() {
     SetMsgBoxResponder([this](const MsgBoxCall& call) {
         msgBoxes.append(call);

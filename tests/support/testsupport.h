@@ -55,12 +55,15 @@ class ScriptedDialogs {
 };
 
 class frmMain;
+class QTreeWidgetItem;
 
 // Starts the program in App.Path as its entry point does (splash, main window, start-up), and
 // returns the main window, or null when the start-up ended the program.
 frmMain* StartProgram();
 // Ends a running program through its exit, as Quit does.
 void EndProgram();
+// The running main window's tree node with key, or null.
+QTreeWidgetItem* NodeWithKey(const QString& key);
 
 namespace testsupport {
 // Points HOME and the XDG folders at a private temporary folder and selects the offscreen
