@@ -1,8 +1,12 @@
 #!/usr/bin/env bash
 # Installs the Debian packages Velmora needs to build, run and test, and only those missing.
+# `install-deps.sh deb` adds what making and checking the Debian package needs.
 set -euo pipefail
 packages=(build-essential cmake pkg-config qt6-base-dev qt6-qpa-plugins libsqlite3-dev mdbtools-dev
-          xvfb xauth fonts-dejavu-core)
+          xvfb xauth fonts-dejavu-core clang libclang-rt-14-dev)
+if [ "${1:-}" = "deb" ]; then
+    packages+=(dpkg-dev lintian desktop-file-utils appstream)
+fi
 missing=()
 for package in "${packages[@]}"; do
     if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then

@@ -166,7 +166,7 @@ void InstallFile(const QString& source, const QString& target) {
 }  // namespace
 
 void BuildSyntheticCatalogue(const QString& folder, int titles) {
-    const QString templatePath = QCoreApplication::applicationDirPath() + "/data.dll";
+    const QString templatePath = VELMORA_TEMPLATE_PATH;
     const QDir dir(folder);
     InstallFile(templatePath, dir.filePath("data.dll"));
     InstallFile(templatePath, dir.filePath("data.gdb"));

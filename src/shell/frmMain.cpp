@@ -198,7 +198,7 @@ void frmMain::SelectFirstNode() {
 }
 
 bool frmMain::FindPreviousInstance() {
-    instance_ = new SingleInstance(App.Path, this);
+    instance_ = new SingleInstance(CatalogueFolder(), this);
     if (!instance_->AskPreviousInstanceToRaise()) {
         instance_->Listen([this] { RaiseFromOtherInstance(); });
         return false;

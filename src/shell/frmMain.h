@@ -176,6 +176,8 @@ class frmMain : public QMainWindow {
     void DeleteTitle();
     void RenameTitle(const QString& name);
     void ShowSearch();
+    // Opens the help page in the desktop's browser, or says where it is when none can.
+    void ShowHelp();
     // Hides platform id (name is shown in the question) and removes the selected node.
     void HideFolder(long id, const QString& name);
 

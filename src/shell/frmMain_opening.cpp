@@ -22,7 +22,7 @@ void AskToMakeAccessible(const QString& path) {
 
 bool frmMain::OpenDatabaseStage1() {
     try {
-        gDatabasePath = AddBackslash(App.Path) + "data.gdb";
+        gDatabasePath = AddBackslash(CatalogueFolder()) + "data.gdb";
         const QString templatePath = AddBackslash(App.Path) + "data.dll";
 
         if (!FileExists(gDatabasePath)) {

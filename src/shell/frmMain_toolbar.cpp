@@ -5,7 +5,6 @@
 
 #include "shell/frmMain.h"
 #include "toolkit/imagelists.h"
-#include "toolkit/mHelp.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
 
@@ -78,7 +77,7 @@ void frmMain::Toolbar1_ButtonClick(const QString& key) {
     } else if (key == "export") {
         ShowExportWindow();
     } else if (key == "help") {
-        ShowHelpContents(App.HelpFile);
+        ShowHelp();
     } else if (key == "maintenance") {
         mnuListviewMaintenance_Click();
     } else if (key == "quit") {

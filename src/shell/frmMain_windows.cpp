@@ -4,6 +4,10 @@
 #include "editor/frmEdit.h"
 #include "search/frmFind.h"
 #include "shell/frmMain.h"
+#include "store/guardedfile.h"
+#include "toolkit/mHelp.h"
+#include "toolkit/msgbox.h"
+#include "toolkit/vbruntime.h"
 
 void frmMain::ShowEditor() {
     ShowEditForm();
@@ -11,6 +15,16 @@ void frmMain::ShowEditor() {
 
 void frmMain::ShowSearch() {
     ShowFindWindow();
+}
+
+void frmMain::ShowHelp() {
+    if (!FileExists(App.HelpFile)) {
+        MsgBox("The help page " + App.HelpFile + " is missing.", vbExclamation);
+        return;
+    }
+    if (ShowHelpContents(App.HelpFile)) return;
+    MsgBox("No browser could open the help page. You can open it yourself: " + App.HelpFile,
+           vbInformation);
 }
 
 void frmMain::ShowDatabaseWindow() {}

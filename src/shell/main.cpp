@@ -2,6 +2,7 @@
 #include <QDir>
 
 #include "shell/submain.h"
+#include "shell/terminationsignals.h"
 #include "toolkit/resources.h"
 #include "toolkit/vbruntime.h"
 
@@ -12,5 +13,6 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(App.Title);
     // The main window hides itself while its exit work runs; that must not end the loop early.
     QApplication::setQuitOnLastWindowClosed(false);
+    TerminationSignals terminationSignals;
     return SubMain();
 }

@@ -1,5 +1,11 @@
 #include "store/catalogue.h"
 
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include "toolkit/vbruntime.h"
+
 std::unique_ptr<Database> gDatabase;
 std::unique_ptr<Recordset> gRecordset;
 QString gDatabasePath;
@@ -7,4 +13,15 @@ QString gDatabasePassword;
 
 void OpenCatalogue() {
     gDatabase = DBEngine::OpenDatabase(gDatabasePath, true, false, ";pwd=" + gDatabasePassword);
+}
+
+QString CatalogueFolder() {
+    // Write permission is the owner's, as for the catalogue's own read-only attribute, so that
+    // a folder its owner protected counts as read-only even for root.
+    const QFileInfo programFolder(App.Path);
+    if (programFolder.isWritable() && programFolder.permission(QFile::WriteOwner)) return App.Path;
+    const QString dataFolder =
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/velmora";
+    QDir().mkpath(dataFolder);
+    return dataFolder;
 }

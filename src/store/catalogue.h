@@ -14,10 +14,14 @@ extern std::unique_ptr<Recordset> gRecordset;
 extern QString gDatabasePath;
 extern QString gDatabasePassword;
 
+// The folder of the catalogue and of its compaction: the program folder, or, when the user may not
+// write there (a system-wide install), $XDG_DATA_HOME/velmora, made on first use.
+QString CatalogueFolder();
+
 // Opens gDatabasePath exclusively with the password into gDatabase.
 void OpenCatalogue();
 
-// Closes the catalogue, compacts it into data.compacted in the program folder and puts the
+// Closes the catalogue, compacts it into data.compacted in the catalogue folder and puts the
 // compacted file in its place. With reopen, opens it again and reads gViewSQL into gRecordset
 // with filter and sort. Failures are reported in a box; the catalogue file always stays.
 void CompactCatalogue(bool reopen, const QString& filter, const QString& sort);

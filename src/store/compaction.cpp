@@ -60,7 +60,7 @@ void CompactCatalogue(bool reopen, const QString& filter, const QString& sort) {
             gDatabase->Close();
             gDatabase.reset();
         }
-        const QString temporaryPath = AddBackslash(App.Path) + "data.compacted";
+        const QString temporaryPath = AddBackslash(CatalogueFolder()) + "data.compacted";
         const QString errors = CompactInto(gDatabasePath, temporaryPath, gDatabasePassword);
         if (!errors.isEmpty())
             MsgBox(errors, vbCritical, kCompactErrorTitle);

@@ -6,6 +6,7 @@
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"
+#include "toolkit/mUtility.h"
 #include "toolkit/vbruntime.h"
 
 namespace {
@@ -128,6 +129,33 @@ class CommandsTest : public QObject {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         delete dialogs_;
         delete folder_;
+    }
+
+    void helpOpensThePageOrSaysWhereItIs() {
+        form()->Toolbar1_ButtonClick("help");
+        QCOMPARE(dialogs_->prompts(),
+                 QStringList({"The help page " + folder_->file("velmora.html") + " is missing."}));
+        dialogs_->msgBoxes.clear();
+
+        QVERIFY(QFile::copy(testsupport::HelpFolder() + "/velmora.html",
+                            folder_->file("velmora.html")));
+        QList<QUrl> opened;
+        SetDocumentOpener([&opened](const QUrl& url) {
+            opened << url;
+            return true;
+        });
+        form()->Toolbar1_ButtonClick("help");
+        QCOMPARE(opened, QList<QUrl>({QUrl::fromLocalFile(folder_->file("velmora.html"))}));
+        QVERIFY(dialogs_->msgBoxes.isEmpty());
+
+        SetDocumentOpener([](const QUrl&) { return false; });
+        form()->Toolbar1_ButtonClick("help");
+        SetDocumentOpener({});
+        QCOMPARE(dialogs_->msgBoxes.size(), 1);
+        QCOMPARE(dialogs_->msgBoxes[0].prompt,
+                 "No browser could open the help page. You can open it yourself: " +
+                     folder_->file("velmora.html"));
+        QCOMPARE(dialogs_->msgBoxes[0].flags, 64);
     }
 
     void toolbarButtonsInOrderWithCaptionsAndTooltips() {

@@ -2,7 +2,9 @@
 
 #include <sqlite3.h>
 
+#include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 #include <QScreen>
 
 #include "shell/frmMain.h"
@@ -34,6 +36,30 @@ class StartupTest : public QObject {
         EndProgram();
         gSecondInstance = false;
         folder_.reset();
+    }
+
+    void readOnlyProgramFolderKeepsTheCatalogueInTheUsersDataFolder() {
+        TempProgramFolder& folder = *folder_;
+        folder.installTemplate();
+        QFile::copy(testsupport::HelpFolder() + "/velmora.html", folder.file("velmora.html"));
+        const QFile::Permissions writable = QFile(folder.path()).permissions();
+        QFile(folder.path()).setPermissions(writable & ~(QFile::WriteOwner | QFile::WriteUser));
+        const QString dataFolder =
+            QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/velmora";
+        ScriptedDialogs dialogs;
+
+        QVERIFY(StartProgram());
+        QVERIFY(gDatabase);
+        QCOMPARE(gDatabasePath, dataFolder + "/data.gdb");
+        EndProgram();
+        QFile(folder.path()).setPermissions(writable);
+
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::NoDotAndDotDot),
+                 QStringList({"data.dll", "velmora.html"}));
+        QCOMPARE(Head(dataFolder + "/data.gdb").left(15), QByteArray("SQLite format F"));
+        QVERIFY(!QFile::exists(dataFolder + "/data.compacted"));
+        QVERIFY(QFile::remove(dataFolder + "/data.gdb"));
     }
 
     void installsMissingCatalogueAndGuardsItAtExit() {
