@@ -47,7 +47,7 @@ install: build
 uninstall:
 	@test -f $(BUILD)/install_manifest.txt || { echo "Nothing was installed from $(BUILD)."; exit 1; }
 	@xargs -d '\n' rm -fv < $(BUILD)/install_manifest.txt
-	@-rmdir --ignore-fail-on-non-empty $(PREFIX)/lib/velmora
+	@-rmdir --ignore-fail-on-non-empty $(PREFIX)/lib/velmora $(PREFIX)/share/doc/velmora
 
 # The Debian package, then a check that it installs and starts.
 deb: build
