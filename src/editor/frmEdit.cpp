@@ -18,6 +18,7 @@
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
 #include "toolkit/ctlGoldButton.h"
+#include "toolkit/keyupguard.h"
 #include "toolkit/vbruntime.h"
 
 frmEdit* gEditForm = nullptr;
@@ -55,6 +56,7 @@ bool IsEnter(const QKeyEvent* event) {
 }  // namespace
 
 frmEdit::frmEdit(QWidget* parent) : QDialog(parent) {
+    keyupguard::Install();
     BuildWindow();
 }
 
@@ -381,7 +383,8 @@ bool frmEdit::eventFilter(QObject* watched, QEvent* event) {
         // The commands run at key-up; the key-down must not reach the dialog's own handling.
         return enter || escape;
     }
-    if (key->isAutoRepeat() || IgnoreKeyUp || !(enter || escape)) return false;
+    // A key-up whose key-down went to an open list of this window, or to a box, is not ours.
+    if (IgnoreKeyUp || !(enter || escape) || !keyupguard::CameHere(watched, key)) return false;
     if (enter)
         cmdOK_Click();
     else

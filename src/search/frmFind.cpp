@@ -12,6 +12,7 @@
 #include "shell/frmMain.h"
 #include "shell/mGlobals.h"
 #include "store/dao.h"
+#include "toolkit/keyupguard.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
 
@@ -62,6 +63,7 @@ frmFind::frmFind(QWidget* owner)
     setObjectName("frmFind");
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle("Search Velmora");
+    keyupguard::Install();
     BuildWindow();
     Form_Load();
 }
@@ -256,7 +258,12 @@ void frmFind::cmdCancel_Click() {
 }
 
 bool frmFind::event(QEvent* event) {
-    if (event->type() == QEvent::WindowActivate) Form_Activate();
+    if (event->type() == QEvent::WindowDeactivate && MsgBoxIsOpen()) {
+        deactivatedByOwnBox_ = true;
+    } else if (event->type() == QEvent::WindowActivate) {
+        if (!deactivatedByOwnBox_) Form_Activate();
+        deactivatedByOwnBox_ = false;
+    }
     return QWidget::event(event);
 }
 
@@ -264,11 +271,9 @@ bool frmFind::eventFilter(QObject* watched, QEvent* event) {
     const bool isTextBox = std::find(Text1.begin(), Text1.end(), watched) != Text1.end();
     if (isTextBox && event->type() == QEvent::FocusIn) {
         QTimer::singleShot(0, static_cast<QLineEdit*>(watched), &QLineEdit::selectAll);
-    } else if (isTextBox && event->type() == QEvent::KeyPress) {
-        keyDownControl_ = watched;
     } else if (isTextBox && event->type() == QEvent::KeyRelease) {
         const auto* key = static_cast<QKeyEvent*>(event);
-        const bool sameControl = keyDownControl_ == watched && !key->isAutoRepeat();
+        const bool sameControl = keyupguard::CameHere(watched, key);
         if (sameControl && IsEnter(key)) {
             cmdSearch_Click();
             return true;

@@ -48,8 +48,8 @@ class frmFind : public QWidget {
     void AddRange(int first, int second);
 
     QString SavedMediatypeText;
-    // The control that received the last key-down, so a key-up elsewhere runs nothing.
-    QObject* keyDownControl_ = nullptr;
+    // The window lost the focus to one of its own boxes: getting it back is no activation.
+    bool deactivatedByOwnBox_ = false;
 };
 
 // The one search window, or null while it is not loaded.

@@ -16,6 +16,7 @@
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
 #include "store/guardedfile.h"
+#include "store/jettextcolumns.h"
 #include "store/widentextcolumn.h"
 #include "toolkit/imagelists.h"
 #include "toolkit/msgbox.h"
@@ -151,12 +152,21 @@ void frmMain::Form_Load() {
 
     if (!OpenDatabaseStage1()) return;
     if (!OpenDatabaseStage2()) return;
+    // The tree and the list sort by the catalogue's text order, so it must be right before
+    // either is filled.
+    try {
+        if (TextColumnsNeedJetOrder(*gDatabase)) {
+            SetSplashStatus("Updating Database to new structure");
+            GiveTextColumnsJetOrder(*gDatabase);
+        }
+    } catch (const VbError& error) {
+        ReportUnableToLoad(error);
+        return;
+    }
 
     gAddingTitle = false;
     gModifyingTitle = false;
     lastTreeButton = 1;
-    listKeyDown = false;
-    treeKeyDown = true;
     gItemCountText = "00000 item(s) found";
     gRequestedKey.clear();
     gListReadState = ListReadState();

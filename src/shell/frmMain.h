@@ -118,8 +118,6 @@ class frmMain : public QMainWindow {
     // "treeview" or "listview": which of the two had the focus last.
     QString focusName;
     int lastTreeButton = 1;
-    bool listKeyDown = false;
-    bool treeKeyDown = true;
     bool updateInProgress = false;
     // Set by an item click and cleared by the double click it allows, so that a double click
     // on empty space does nothing.
@@ -161,13 +159,12 @@ class frmMain : public QMainWindow {
     std::function<void(QMenu*)> PopupMenuHook;
 
     // Mouse and keys of the tree and the list. Buttons are 1 left, 2 right; positions are in
-    // the coordinates of the view's viewport. Keys are Qt key codes.
+    // the coordinates of the view's viewport. Keys are Qt key codes; a key-up reaches these
+    // only when its key-down came to the same view.
     void TV1_MouseUp(int button, const QPoint& position);
-    void TV1_KeyDown(int key);
     void TV1_KeyUp(int key);
     void ListView1_MouseUp(int button, const QPoint& position);
     void ListView1_DblClick();
-    void ListView1_KeyDown(int key);
     void ListView1_KeyUp(int key);
 
     // The title commands.

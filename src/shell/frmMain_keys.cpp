@@ -6,6 +6,7 @@
 
 #include "shell/frmMain.h"
 #include "shell/mGlobals.h"
+#include "toolkit/keyupguard.h"
 #include "toolkit/vbruntime.h"
 
 namespace {
@@ -33,14 +34,12 @@ class CommandEvents : public QObject {
 
   private:
     bool KeyEvent(QObject* watched, QKeyEvent* event) {
-        const bool down = event->type() == QEvent::KeyPress;
-        // A held key repeats its key-down only; the key-up comes once, when it is let go.
-        if (!down && event->isAutoRepeat()) return false;
-        if (watched == form_->TV1) {
-            down ? form_->TV1_KeyDown(event->key()) : form_->TV1_KeyUp(event->key());
-        } else if (watched == form_->ListView1) {
-            down ? form_->ListView1_KeyDown(event->key()) : form_->ListView1_KeyUp(event->key());
-        }
+        if (event->type() != QEvent::KeyRelease || !keyupguard::CameHere(watched, event))
+            return false;
+        if (watched == form_->TV1)
+            form_->TV1_KeyUp(event->key());
+        else if (watched == form_->ListView1)
+            form_->ListView1_KeyUp(event->key());
         return false;
     }
 
@@ -74,69 +73,56 @@ class CommandEvents : public QObject {
 }  // namespace
 
 void frmMain::InstallCommandEvents() {
+    keyupguard::Install();
     auto* events = new CommandEvents(this);
     for (QObject* watched :
          std::initializer_list<QObject*>{TV1, TV1->viewport(), ListView1, ListView1->viewport()})
         watched->installEventFilter(events);
 }
 
-void frmMain::TV1_KeyDown(int) {
-    treeKeyDown = true;
-}
-
 void frmMain::TV1_KeyUp(int key) {
-    if (treeKeyDown) {
-        switch (key) {
-            case Qt::Key_Insert:
-                mnuAddFolder_Click();
-                break;
-            case Qt::Key_Delete:
-                mnuDeleteFolder_Click();
-                if (QTreeWidgetItem* selected = SelectedNode();
-                    selected && NodeKey(selected) != gRequestedKey)
-                    TV1_NodeClick(selected);
-                break;
-            case Qt::Key_F2:
-                mnuRenameFolder_Click();
-                break;
-            case Qt::Key_F3:
-                ShowSearch();
-                break;
-            default:
-                break;
-        }
+    switch (key) {
+        case Qt::Key_Insert:
+            mnuAddFolder_Click();
+            break;
+        case Qt::Key_Delete:
+            mnuDeleteFolder_Click();
+            if (QTreeWidgetItem* selected = SelectedNode();
+                selected && NodeKey(selected) != gRequestedKey)
+                TV1_NodeClick(selected);
+            break;
+        case Qt::Key_F2:
+            mnuRenameFolder_Click();
+            break;
+        case Qt::Key_F3:
+            ShowSearch();
+            break;
+        default:
+            break;
     }
-    treeKeyDown = false;
-}
-
-void frmMain::ListView1_KeyDown(int) {
-    listKeyDown = true;
 }
 
 void frmMain::ListView1_KeyUp(int key) {
-    if (listKeyDown) {
-        switch (key) {
-            case Qt::Key_Return:
-            case Qt::Key_Enter:
-                ModifyTitle();
-                break;
-            case Qt::Key_Insert:
-                NewTitle();
-                break;
-            case Qt::Key_Delete:
-                DeleteTitle();
-                break;
-            case Qt::Key_F2:
-                mnuRenameCD_Click();
-                break;
-            case Qt::Key_F3:
-                ShowSearch();
-                break;
-            default:
-                break;
-        }
+    switch (key) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            ModifyTitle();
+            break;
+        case Qt::Key_Insert:
+            NewTitle();
+            break;
+        case Qt::Key_Delete:
+            DeleteTitle();
+            break;
+        case Qt::Key_F2:
+            mnuRenameCD_Click();
+            break;
+        case Qt::Key_F3:
+            ShowSearch();
+            break;
+        default:
+            break;
     }
-    listKeyDown = false;
 }
 
 void frmMain::ListView1_DblClick() {

@@ -154,7 +154,14 @@ void frmMain::TV1_MouseUp(int button, const QPoint&) {
 
 void frmMain::ListView1_MouseUp(int button, const QPoint& position) {
     if (button != 2) return;
-    const bool onItem = ListView1->indexAt(position).isValid();
+    const QModelIndex under = ListView1->indexAt(position);
+    const bool onItem = under.isValid();
+    // The menu is for the row under the pointer, as the platform's list selects it at the
+    // press; a quick click can bring the button up before the press has selected anything.
+    if (onItem && SelectedListIndex() != under.row()) {
+        SelectListIndex(under.row());
+        gCurrentTitleId = ListItemTag(under.row()).toLong();
+    }
     for (QAction* item : {mnuViewProperties, mnuRenameCD, mnuDeleteCD}) item->setEnabled(onItem);
     if (!onItem && ListItemCount() > 0 && SelectedListIndex() >= 0) {
         ListView1->selectionModel()->clear();

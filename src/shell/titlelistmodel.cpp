@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "store/jettext.h"
 #include "toolkit/imagelists.h"
 
 namespace {
@@ -117,23 +118,24 @@ void TitleListModel::SetSorting(bool sorted, int sortKey, Qt::SortOrder order) {
 bool TitleListModel::Before(const TitleRow& a, const TitleRow& b) const {
     const QString& left = sortKey_ == 0 ? a.text : a.subItems[sortKey_ - 1];
     const QString& right = sortKey_ == 0 ? b.text : b.subItems[sortKey_ - 1];
-    const int order = left.compare(right, Qt::CaseInsensitive);
+    const int order = jettext::Compare(left, right);
     return sortOrder_ == Qt::AscendingOrder ? order < 0 : order > 0;
 }
 
 std::vector<int> TitleListModel::SortVector() {
-    // Folding the texts once makes each comparison a plain one.
-    std::vector<QString> keys(rows_.size());
+    // The list sorts as the catalogue does; preparing each text once makes each comparison a
+    // plain one.
+    std::vector<jettext::SortKey> keys(rows_.size());
     for (size_t row = 0; row < rows_.size(); ++row)
-        keys[row] = Text(static_cast<int>(row), sortKey_).toCaseFolded();
+        keys[row] = jettext::MakeSortKey(Text(static_cast<int>(row), sortKey_));
+    const auto before = [&keys](int a, int b) { return jettext::Compare(keys[a], keys[b]) < 0; };
     std::vector<int> order(rows_.size());
     std::iota(order.begin(), order.end(), 0);
     if (sortOrder_ == Qt::AscendingOrder)
-        std::stable_sort(order.begin(), order.end(),
-                         [&keys](int a, int b) { return keys[a] < keys[b]; });
+        std::stable_sort(order.begin(), order.end(), before);
     else
         std::stable_sort(order.begin(), order.end(),
-                         [&keys](int a, int b) { return keys[b] < keys[a]; });
+                         [&before](int a, int b) { return before(b, a); });
     std::vector<TitleRow> sorted;
     sorted.reserve(rows_.size());
     std::vector<int> newRowOf(rows_.size());

@@ -3,6 +3,8 @@
 #include <QRegularExpression>
 #include <utility>
 
+#include "store/jettext.h"
+
 namespace {
 
 // Whole statements, the Jet text beside its SQLite form. Compared without regard to case and
@@ -27,8 +29,8 @@ QString Normalized(const QString& statement) {
 }  // namespace
 
 QString AdaptStatement(const QString& jetStatement) {
-    // Jet's TEXT(n) refuses longer text; a column added later must refuse it too, as the
-    // template's own columns do through their width checks.
+    // Jet's TEXT(n) refuses longer text and compares in Jet's order; a column added later must
+    // do both, as the template's own columns do.
     static const QRegularExpression addTextColumn(
         R"(^\s*ALTER\s+TABLE\s+(\w+)\s+ADD\s+COLUMN\s+(\w+)\s+TEXT\s*\(\s*(\d+)\s*\)\s*;?\s*$)",
         QRegularExpression::CaseInsensitiveOption);
@@ -37,9 +39,9 @@ QString AdaptStatement(const QString& jetStatement) {
         const QString column = match.captured(2);
         const QString width = match.captured(3);
         return QString(
-                   "ALTER TABLE %1 ADD COLUMN %2 TEXT(%3) CONSTRAINT width_%2 CHECK "
+                   "ALTER TABLE %1 ADD COLUMN %2 TEXT(%3) COLLATE %4 CONSTRAINT width_%2 CHECK "
                    "(length(%2) <= %3)")
-            .arg(match.captured(1), column, width);
+            .arg(match.captured(1), column, width, jettext::kCollation);
     }
     const QString key = Normalized(jetStatement);
     for (const auto& [jet, sqlite] : kAdaptedStatements)

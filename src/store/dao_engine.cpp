@@ -7,6 +7,7 @@
 
 #include "store/dao_detail.h"
 #include "store/jetlike.h"
+#include "store/jettext.h"
 #include "store/passwordcheck.h"
 
 using namespace dao_detail;
@@ -43,6 +44,7 @@ std::shared_ptr<Connection> Open(const QString& path, bool exclusive, bool readO
         Run(*connection, "SELECT count(*) FROM sqlite_master");
     }
     jetlike::Register(connection->db);
+    jettext::Register(connection->db);
     return connection;
 }
 
@@ -67,6 +69,7 @@ void DBEngine::CompactDatabase(const QString& source, const QString& target, con
     if (QFileInfo::exists(target)) Raise(jetFileAlreadyExists);
     const auto connection = Open(source, true, false);
     RequirePassword(*connection, password);
+    // The target's indexes are built in this connection, with its text order.
     RunInternal(*connection, "VACUUM INTO ?", {target});
     connection->Close();
     // The compacted file replaces the catalogue next: it must be on the disk before that.

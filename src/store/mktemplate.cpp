@@ -7,6 +7,7 @@
 #include <QFile>
 #include <cstdio>
 
+#include "store/jettext.h"
 #include "store/passwordcheck.h"
 
 int main(int argc, char** argv) {
@@ -29,6 +30,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "cannot create %s\n", argv[2]);
         return 1;
     }
+    // The schema declares its text columns in Jet's order, which must be known to declare it.
+    jettext::Register(db);
     char* error = nullptr;
     if (sqlite3_exec(db, sql.constData(), nullptr, nullptr, &error) != SQLITE_OK) {
         std::fprintf(stderr, "schema script failed: %s\n", error);

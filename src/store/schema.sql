@@ -1,40 +1,42 @@
 -- The template catalogue: seven tables, their relations and the rows a new user starts with.
 -- Text widths are declared as TEXT(n); the store reads them back as the fields' sizes and the
 -- named CHECK constraints make it refuse longer text, as the program expects of its catalogue.
+-- Text compares as Jet compares it (JETTEXT, which the program registers on every connection):
+-- without regard to case, accented letters beside their base letters.
 
 CREATE TABLE platform (
     idplatform INTEGER PRIMARY KEY AUTOINCREMENT,
-    nmplatform TEXT(50) CONSTRAINT width_nmplatform CHECK (length(nmplatform) <= 50),
+    nmplatform TEXT(50) COLLATE JETTEXT CONSTRAINT width_nmplatform CHECK (length(nmplatform) <= 50),
     visible BOOLEAN NOT NULL DEFAULT 1
 );
 
 CREATE TABLE type (
     idtype INTEGER PRIMARY KEY AUTOINCREMENT,
-    nmtype TEXT(50) CONSTRAINT width_nmtype CHECK (length(nmtype) <= 50),
+    nmtype TEXT(50) COLLATE JETTEXT CONSTRAINT width_nmtype CHECK (length(nmtype) <= 50),
     idplatform INTEGER REFERENCES platform (idplatform) ON DELETE CASCADE
 );
 
 CREATE TABLE specific (
     idspecific INTEGER PRIMARY KEY AUTOINCREMENT,
-    nmspecific TEXT(50) CONSTRAINT width_nmspecific CHECK (length(nmspecific) <= 50),
+    nmspecific TEXT(50) COLLATE JETTEXT CONSTRAINT width_nmspecific CHECK (length(nmspecific) <= 50),
     idtype INTEGER REFERENCES type (idtype) ON DELETE CASCADE
 );
 
 CREATE TABLE vendor (
     idvendor INTEGER PRIMARY KEY AUTOINCREMENT,
-    nmvendor TEXT(100) CONSTRAINT width_nmvendor CHECK (length(nmvendor) <= 100),
+    nmvendor TEXT(100) COLLATE JETTEXT CONSTRAINT width_nmvendor CHECK (length(nmvendor) <= 100),
     idplatform INTEGER REFERENCES platform (idplatform) ON DELETE CASCADE
 );
 
 CREATE TABLE mediatype (
     idmediatype INTEGER PRIMARY KEY AUTOINCREMENT,
-    nmmediatype TEXT(50) CONSTRAINT width_nmmediatype CHECK (length(nmmediatype) <= 50),
+    nmmediatype TEXT(50) COLLATE JETTEXT CONSTRAINT width_nmmediatype CHECK (length(nmmediatype) <= 50),
     iddevicetype INTEGER
 );
 
 CREATE TABLE title (
     idcd INTEGER PRIMARY KEY AUTOINCREMENT,
-    nmcd TEXT(150) CONSTRAINT width_nmcd CHECK (length(nmcd) <= 150),
+    nmcd TEXT(150) COLLATE JETTEXT CONSTRAINT width_nmcd CHECK (length(nmcd) <= 150),
     nrcds SMALLINT CONSTRAINT range_nrcds CHECK (nrcds BETWEEN -32768 AND 32767),
     idvendor INTEGER REFERENCES vendor (idvendor) ON DELETE CASCADE,
     idplatform INTEGER REFERENCES platform (idplatform) ON DELETE CASCADE,
@@ -45,12 +47,12 @@ CREATE TABLE title (
     idfilesystem INTEGER,
     capacity DOUBLE,
     freespace DOUBLE,
-    label TEXT(32) CONSTRAINT width_label CHECK (length(label) <= 32),
+    label TEXT(32) COLLATE JETTEXT CONSTRAINT width_label CHECK (length(label) <= 32),
     rating SMALLINT CONSTRAINT range_rating CHECK (rating BETWEEN -32768 AND 32767),
-    listing LONGTEXT,
+    listing LONGTEXT COLLATE JETTEXT,
     TitleID INTEGER UNIQUE,
     NumTracks BYTE CONSTRAINT range_NumTracks CHECK (NumTracks BETWEEN 0 AND 255),
-    memo LONGTEXT,
+    memo LONGTEXT COLLATE JETTEXT,
     created DATE,
     modified DATE,
     price DOUBLE,
@@ -60,7 +62,7 @@ CREATE TABLE title (
 CREATE TABLE Tracks (
     idcd INTEGER REFERENCES title (idcd) ON DELETE CASCADE,
     TrackID BYTE CONSTRAINT range_TrackID CHECK (TrackID BETWEEN 0 AND 255),
-    TrackName TEXT(150) CONSTRAINT width_TrackName CHECK (length(TrackName) <= 150)
+    TrackName TEXT(150) COLLATE JETTEXT CONSTRAINT width_TrackName CHECK (length(TrackName) <= 150)
 );
 
 CREATE INDEX title_by_platform ON title (idplatform, nmcd);

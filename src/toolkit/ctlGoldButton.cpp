@@ -5,6 +5,8 @@
 #include <QPainter>
 #include <array>
 
+#include "toolkit/keyupguard.h"
+
 namespace {
 
 constexpr quint32 kButtonFace = 0x8000000F;
@@ -84,6 +86,7 @@ ctlGoldButton::ctlGoldButton(QWidget* parent, const QString& name)
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
+    keyupguard::Install();
     resize(kNewButtonSize);
     Redraw();
 }
@@ -328,18 +331,13 @@ void ctlGoldButton::focusOutEvent(QFocusEvent* event) {
     DrawButton(false, false);
     bMouseDown = false;
     bHovering = false;
-    keyDown_ = false;
     QWidget::focusOutEvent(event);
 }
 
 // Like every keyboard command of the program, the space bar acts at key-up, and only when
 // its key-down came to this button.
 void ctlGoldButton::keyPressEvent(QKeyEvent* event) {
-    if (event->key() != Qt::Key_Space) {
-        QWidget::keyPressEvent(event);
-        return;
-    }
-    if (!event->isAutoRepeat()) keyDown_ = true;
+    if (event->key() != Qt::Key_Space) QWidget::keyPressEvent(event);
 }
 
 void ctlGoldButton::keyReleaseEvent(QKeyEvent* event) {
@@ -347,7 +345,5 @@ void ctlGoldButton::keyReleaseEvent(QKeyEvent* event) {
         QWidget::keyReleaseEvent(event);
         return;
     }
-    if (event->isAutoRepeat() || !keyDown_) return;
-    keyDown_ = false;
-    emit Click();
+    if (keyupguard::CameHere(this, event)) emit Click();
 }

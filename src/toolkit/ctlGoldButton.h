@@ -200,5 +200,4 @@ class ctlGoldButton : public QWidget {
     quint32 textColor_ = 0x80000012;
     bool bMouseDown = false;
     bool bHovering = false;
-    bool keyDown_ = false;
 };

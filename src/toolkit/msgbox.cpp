@@ -11,6 +11,16 @@ namespace {
 
 std::function<int(const MsgBoxCall&)> msgBoxResponder;
 std::function<QString(const InputBoxCall&)> inputBoxResponder;
+int boxesOpen = 0;
+
+// Counts a box as open for as long as the asking lasts.
+class OpenBox {
+  public:
+    OpenBox() { ++boxesOpen; }
+    ~OpenBox() { --boxesOpen; }
+    OpenBox(const OpenBox&) = delete;
+    OpenBox& operator=(const OpenBox&) = delete;
+};
 
 struct ButtonChoice {
     QMessageBox::StandardButton button;
@@ -71,7 +81,12 @@ void SetInputBoxResponder(std::function<QString(const InputBoxCall&)> responder)
     inputBoxResponder = std::move(responder);
 }
 
+bool MsgBoxIsOpen() {
+    return boxesOpen > 0;
+}
+
 int MsgBox(const QString& prompt, int flags, const QString& title) {
+    const OpenBox open;
     const QString caption = title.isEmpty() ? App.Title : title;
     if (msgBoxResponder) return msgBoxResponder({prompt, flags, caption});
 
@@ -93,6 +108,7 @@ int MsgBox(const QString& prompt, int flags, const QString& title) {
 }
 
 QString InputBox(const QString& prompt, const QString& title, const QString& defaultText) {
+    const OpenBox open;
     const QString caption = title.isEmpty() ? App.Title : title;
     if (inputBoxResponder) return inputBoxResponder({prompt, caption, defaultText});
 

@@ -47,6 +47,10 @@ struct InputBoxCall {
     QString defaultText;
 };
 
+// True while MsgBox or InputBox is asking: a window that loses the focus now loses it to a box
+// of its own, and getting it back is no new activation.
+bool MsgBoxIsOpen();
+
 // Tests answer the boxes with these instead of showing a window; an empty function restores
 // the real boxes.
 void SetMsgBoxResponder(std::function<int(const MsgBoxCall&)> responder);

@@ -234,6 +234,39 @@ class frmEditTest : public QObject {
         QCOMPARE(TitleCount(), before + 1);
     }
 
+    // Keys pressed in an open list are the list's: its key-ups neither close nor save.
+    void openListTakesItsKeys() {
+        SelectNode("key1key4");
+        QPointer<frmEdit> form = OpenEditor(true);
+        QVERIFY(QTest::qWaitForWindowActive(form));
+        form->txtTitle->setText("Typed title");
+        QComboBox* vendors = form->Combo1[1];
+        vendors->setFocus();
+        const long before = TitleCount();
+
+        vendors->showPopup();
+        QTest::keyPress(form->windowHandle(), Qt::Key_Escape);
+        QVERIFY(!vendors->view()->isVisible());
+        QTest::keyRelease(form->windowHandle(), Qt::Key_Escape);
+        QVERIFY(form && form->isVisible());
+        QCOMPARE(form->txtTitle->text(), QString("Typed title"));
+
+        vendors->showPopup();
+        const int first = vendors->view()->currentIndex().row();
+        QTest::keyClick(form->windowHandle(), Qt::Key_Down);
+        QTest::keyPress(form->windowHandle(), Qt::Key_Return);
+        QVERIFY(!vendors->view()->isVisible());
+        QTest::keyRelease(form->windowHandle(), Qt::Key_Return);
+        QVERIFY(form && form->isVisible());
+        QCOMPARE(vendors->currentIndex(), first + 1);
+        QCOMPARE(TitleCount(), before);
+        QVERIFY(dialogs->msgBoxes.isEmpty());
+
+        // Closed, the list hands Enter to the save again.
+        QTest::keyClick(vendors, Qt::Key_Return);
+        QVERIFY(!dialogs->msgBoxes.isEmpty());
+    }
+
     void tracksEditorHoldsTextsAcrossPlatforms() {
         SelectNode("key1");
         QPointer<frmEdit> form = OpenEditor(true);

@@ -394,6 +394,30 @@ class CommandsTest : public QObject {
         QCOMPARE(ValueOf("select * from platform where idplatform = 1", "visible"), QString("0"));
     }
 
+    // The list's menu is for the row under the pointer, also when the button comes up while
+    // the press is still being handled.
+    void rightClickSelectsTheRowUnderThePointer() {
+        SelectListRow(0);
+        const int other = 1;
+        QWidget* viewport = form()->ListView1->viewport();
+        const QPoint point = ListRowPoint(other);
+        int rowWhileMenuUp = -1;
+        long titleWhileMenuUp = 0;
+        form()->PopupMenuHook = [&](QMenu*) {
+            rowWhileMenuUp = form()->SelectedListIndex();
+            titleWhileMenuUp = gCurrentTitleId;
+        };
+        QCoreApplication::postEvent(
+            viewport,
+            new QMouseEvent(QEvent::MouseButtonRelease, point, viewport->mapToGlobal(point),
+                            Qt::RightButton, Qt::NoButton, Qt::NoModifier));
+        QTest::mousePress(viewport, Qt::RightButton, Qt::NoModifier, point);
+        QCoreApplication::processEvents();
+        form()->PopupMenuHook = {};
+        QCOMPARE(rowWhileMenuUp, other);
+        QCOMPARE(titleWhileMenuUp, form()->ListItemTag(other).toLong());
+    }
+
     void keyUpCountsOnlyAfterKeyDownInTheSameControl() {
         SelectListRow(form()->ListIndexOfKey("id1"));
         // Down in the tree, up in the list: the list saw no key-down.
@@ -405,6 +429,13 @@ class CommandsTest : public QObject {
         PressKey(form()->ListView1, form()->TV1, Qt::Key_Delete);
         QVERIFY(dialogs_->msgBoxes.isEmpty());
         QCOMPARE(CountRows("select * from title"), 2L);
+
+        // A key-down in a box, let go over the tree or the list, is no command there.
+        testsupport::PressKeyInAnotherWindow(Qt::Key_Delete);
+        QTest::keyRelease(form()->TV1, Qt::Key_Delete);
+        testsupport::PressKeyInAnotherWindow(Qt::Key_Delete);
+        QTest::keyRelease(form()->ListView1, Qt::Key_Delete);
+        QVERIFY(dialogs_->msgBoxes.isEmpty());
 
         // Insert in the tree on a platform adds a type under it.
         dialogs_->answerInput(QString());

@@ -8,6 +8,7 @@
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
+#include "store/jettext.h"
 #include "support/testsupport.h"
 #include "toolkit/vbruntime.h"
 
@@ -20,6 +21,7 @@ const QString kTwentyWide = "ABCDEFGHIJKLMNOPQRST";
 void MakeNarrowLabelCatalogue(const QString& path, bool leaveTemporaryColumn) {
     sqlite3* db = nullptr;
     QCOMPARE(sqlite3_open(QFile::encodeName(path).constData(), &db), SQLITE_OK);
+    jettext::Register(db);
     const char* script =
         "ALTER TABLE title DROP COLUMN label;"
         "ALTER TABLE title ADD COLUMN label TEXT(20) CONSTRAINT width_label CHECK "

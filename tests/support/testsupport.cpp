@@ -140,6 +140,11 @@ void PrepareEnvironment() {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
+void PressKeyInAnotherWindow(Qt::Key key) {
+    static QWidget* box = new QWidget();
+    QTest::keyPress(box, key);
+}
+
 QString TemplatePath() {
     return QStringLiteral(VELMORA_TEMPLATE_PATH);
 }

@@ -75,6 +75,9 @@ void RejectNextModal(std::function<void(QWidget*)> inspect = {});
 // Boxes asked outside a ScriptedDialogs are answered Cancel (or empty) with a warning.
 void InstallUnscriptedResponders();
 QString TemplatePath();
+// A key-down that goes to another window, as to a message box that is up: the key-up the test
+// then sends to a control of the program finds no key-down of its own.
+void PressKeyInAnotherWindow(Qt::Key key);
 QString HelpFolder();
 }  // namespace testsupport
 
