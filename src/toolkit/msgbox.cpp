@@ -4,6 +4,7 @@
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScopedValueRollback>
 
 #include "toolkit/vbruntime.h"
 
@@ -11,16 +12,8 @@ namespace {
 
 std::function<int(const MsgBoxCall&)> msgBoxResponder;
 std::function<QString(const InputBoxCall&)> inputBoxResponder;
+// Boxes asking now; a box may open another only through a nested event loop.
 int boxesOpen = 0;
-
-// Counts a box as open for as long as the asking lasts.
-class OpenBox {
-  public:
-    OpenBox() { ++boxesOpen; }
-    ~OpenBox() { --boxesOpen; }
-    OpenBox(const OpenBox&) = delete;
-    OpenBox& operator=(const OpenBox&) = delete;
-};
 
 struct ButtonChoice {
     QMessageBox::StandardButton button;
@@ -86,7 +79,7 @@ bool MsgBoxIsOpen() {
 }
 
 int MsgBox(const QString& prompt, int flags, const QString& title) {
-    const OpenBox open;
+    const QScopedValueRollback open(boxesOpen, boxesOpen + 1);
     const QString caption = title.isEmpty() ? App.Title : title;
     if (msgBoxResponder) return msgBoxResponder({prompt, flags, caption});
 
@@ -108,7 +101,7 @@ int MsgBox(const QString& prompt, int flags, const QString& title) {
 }
 
 QString InputBox(const QString& prompt, const QString& title, const QString& defaultText) {
-    const OpenBox open;
+    const QScopedValueRollback open(boxesOpen, boxesOpen + 1);
     const QString caption = title.isEmpty() ? App.Title : title;
     if (inputBoxResponder) return inputBoxResponder({prompt, caption, defaultText});
 
