@@ -14,6 +14,7 @@
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
 #include "toolkit/vbruntime.h"
+#include "toolkit/vbstrings.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ void frmEdit::FillList(int index, const QString& sql, const QString& textField,
     const QSignalBlocker blocker(combo);
     combo->clear();
     try {
-        std::unique_ptr<Recordset> records = gDatabase->OpenRecordset(sql, dbOpenDynaset);
+        std::unique_ptr<Recordset> records = gDatabase->OpenRecordset(sql, dbOpenForwardOnly);
         while (!records->IsEOF()) {
             combo->addItem(NzText(records->Fields(textField).Value()),
                            records->Fields(idField).Value().toLongLong());
@@ -135,5 +136,5 @@ void frmEdit::LoadEditRoad() {
     Text2->setText(StoredText(record->Fields("label").Value()));
     lblCreated->setText(StoredDateText(record->Fields("created").Value()));
     lblModified->setText(StoredDateText(record->Fields("modified").Value()));
-    Memo->setPlainText(StoredText(record->Fields("memo").Value()));
+    Memo->setPlainText(StoredText(record->Fields("memo").Value()).replace(vbCrLf, "\n"));
 }

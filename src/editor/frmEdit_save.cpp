@@ -18,6 +18,7 @@
 #include "store/fieldsizes.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
+#include "toolkit/vbstrings.h"
 
 namespace {
 
@@ -51,7 +52,7 @@ bool frmEdit::Validate() {
         valid = false;
     };
 
-    txtTitle->setText(txtTitle->text().trimmed());
+    txtTitle->setText(Trim(txtTitle->text()));
     if (txtTitle->text().isEmpty()) fail("You forgot to enter a title for the cd.", txtTitle);
 
     const std::array<QString, 7> messages{"You forgot to select a platform for the cd.",
@@ -114,8 +115,9 @@ void frmEdit::WriteTitle() {
     record->Fields("rating").SetValue(static_cast<qlonglong>(ItemData(5)));
     record->Fields("created").SetValue(DateOfCaption(lblCreated->text()).toString(Qt::ISODate));
     record->Fields("modified").SetValue(QDate::currentDate().toString(Qt::ISODate));
-    const QString memo = Memo->toPlainText();
-    record->Fields("memo").SetValue(memo.trimmed().isEmpty() ? kEmptyTextMark : memo);
+    // The catalogue's line end is CR LF; the exports rely on it.
+    const QString memo = Memo->toPlainText().replace(QChar('\n'), vbCrLf);
+    record->Fields("memo").SetValue(Trim(memo).isEmpty() ? kEmptyTextMark : memo);
     gCurrentTitleId = record->Fields("idcd").Value().toLongLong();
     record->Update();
 }

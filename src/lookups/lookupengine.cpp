@@ -5,10 +5,10 @@
 #include "store/catalogue.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vberror.h"
+#include "toolkit/vbstrings.h"
 
 namespace {
 
-const QString kCrLf = "\r\n";
 constexpr long kFirstUserPlatform = 6;
 
 void SetDirtyFlags(bool tree, bool list) {
@@ -23,7 +23,7 @@ QString AskForName(const LookupTable& lookup, int action, QString& name) {
         name.clear();
         return wanted;
     }
-    const QString limitText = kCrLf + "(Max. length = " + QString::number(*lookup.limit) + ")";
+    const QString limitText = vbCrLf + "(Max. length = " + QString::number(*lookup.limit) + ")";
     if (action == kLookupAdd) {
         return InputBox("Please enter a name for this new " + lookup.noun + ":" + limitText,
                         "Add " + lookup.noun, "New " + lookup.noun);
@@ -33,7 +33,7 @@ QString AskForName(const LookupTable& lookup, int action, QString& name) {
 }
 
 QString AddOrRename(const LookupTable& lookup, int action, long id, QString& name) {
-    const QString newName = AskForName(lookup, action, name).trimmed();
+    const QString newName = Trim(AskForName(lookup, action, name));
     if (newName.length() > *lookup.limit) {
         throw VbError(
             1500, "Name is too long! Maximum length is " + QString::number(*lookup.limit) + ".");
@@ -72,8 +72,8 @@ QString Delete(const LookupTable& lookup, long id, const QString& name) {
     const QString refusalTitle = "Unable to delete " + lookup.noun;
     if (lookup.reservedPlatforms) {
         if (id < kFirstUserPlatform) {
-            MsgBox("These folders cannot be deleted since they are a part of the program." + kCrLf +
-                       kCrLf + "You can however 'hide' this platform.",
+            MsgBox("These folders cannot be deleted since they are a part of the program." +
+                       vbCrLf + "You can however 'hide' this platform.",
                    vbInformation, refusalTitle);
             return {};
         }
@@ -92,9 +92,9 @@ QString Delete(const LookupTable& lookup, long id, const QString& name) {
     if (related > 0) {
         const QString count = QString::number(related);
         const QString question = "Found " + count + " CD-title(s) with " + lookup.noun + " " +
-                                 quotedName + "." + kCrLf + "Deleting this " + lookup.noun +
+                                 quotedName + "." + vbCrLf + "Deleting this " + lookup.noun +
                                  " means that " + count + " CD-title(s) will be deleted too!" +
-                                 kCrLf + "Do you want to delete the " + count +
+                                 vbCrLf + "Do you want to delete the " + count +
                                  " CD-title(s) as well?";
         if (MsgBox(question, vbYesNoCancel + vbExclamation,
                    "Found related CD-tile(s) in Velmora's Database!") != vbYes) {

@@ -15,6 +15,7 @@
 #include "toolkit/keyupguard.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
+#include "toolkit/vbstrings.h"
 
 frmFind* gFindForm = nullptr;
 
@@ -206,8 +207,8 @@ void frmFind::cmdSearch_Click() {
     } else if (Option1[1]->isChecked()) {
         if (key == "root") {
             const int answer = MsgBox(
-                "You selected to search one category, but you have more than one in your "
-                "view.\nDo you want to search all categories instead?",
+                "You selected to search one category, but you have more than one in your view." +
+                    vbCr + "Do you want to search all categories instead?",
                 vbYesNoCancel | vbQuestion, "Confirm");
             if (answer != vbYes) return;
         } else if (key == "search") {

@@ -209,10 +209,11 @@ void frmMain::SelectFirstNode() {
 
 bool frmMain::FindPreviousInstance() {
     instance_ = new SingleInstance(CatalogueFolder(), this);
-    if (!instance_->AskPreviousInstanceToRaise()) {
+    if (instance_->Claim()) {
         instance_->Listen([this] { RaiseFromOtherInstance(); });
         return false;
     }
+    instance_->AskPreviousInstanceToRaise();
     gSecondInstance = true;
     App.Title = "Looking for other instance of Velmora";
     setWindowTitle(App.Title);
@@ -221,6 +222,8 @@ bool frmMain::FindPreviousInstance() {
 }
 
 void frmMain::RaiseFromOtherInstance() {
+    // A window on its way out stays hidden; the asking start ends as a second one anyway.
+    if (unloaded_) return;
     if (isMinimized()) showNormal();
     show();
     raise();

@@ -54,9 +54,6 @@ bool frmMain::Form_QueryUnload() {
 
 void frmMain::Form_Unload() {
     unloaded_ = true;
-    // A start right after this exit must not find this window as its previous instance.
-    delete instance_;
-    instance_ = nullptr;
     if (windowState() == Qt::WindowNoState) move(-width(), -height());
     hide();
 
@@ -66,19 +63,17 @@ void frmMain::Form_Unload() {
         gDatabase.reset();
     }
 
+    // Only the run that holds the program folder touches the catalogue; a run that could not
+    // open it (refused, damaged, wrong password) still compacts and guards it.
     if (!gSecondInstance) {
-        // A catalogue this run could not open (missing, refused, someone else's) is left as the
-        // user answered; compacting it could only fail with a second, confusing report.
-        if (catalogueOpened_) {
-            try {
-                if (FileExists(gDatabasePath) && GetAttr(gDatabasePath) != vbArchive)
-                    SetAttr(gDatabasePath, vbArchive);
-            } catch (const VbError&) {
-            }
-            (new frmPerformAction())
-                ->PerformAction(frmPerformAction::CompactMainDatabase, this, false, QString(),
-                                QString(), false);
+        try {
+            if (FileExists(gDatabasePath) && GetAttr(gDatabasePath) != vbArchive)
+                SetAttr(gDatabasePath, vbArchive);
+        } catch (const VbError&) {
         }
+        (new frmPerformAction())
+            ->PerformAction(frmPerformAction::CompactMainDatabase, this, false, QString(),
+                            QString(), false);
         try {
             if (FileExists(gDatabasePath)) FlipDatabaseHeader(gDatabasePath, kGuardHeader);
         } catch (const VbError&) {

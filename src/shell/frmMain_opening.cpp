@@ -7,6 +7,7 @@
 #include "store/guardedfile.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
+#include "toolkit/vbstrings.h"
 
 namespace {
 
@@ -73,7 +74,6 @@ bool frmMain::OpenDatabaseStage2() {
         SetSplashStatus("Opening database");
         gDatabasePassword = kDatabasePassword;
         OpenCatalogue();
-        catalogueOpened_ = true;
         return true;
     } catch (const VbError& error) {
         ReportUnableToLoad(error);
@@ -85,7 +85,8 @@ void frmMain::ReportUnableToLoad(const VbError& error) {
     HideSplash();
     MsgBox(error.Description);
     MsgBox("Unable to load Velmora!. The database " + gDatabasePath +
-               " might be inappropriate for this version or is corrupted.\nPlease see the "
+               " might be inappropriate for this version or is corrupted." + vbCrLf +
+               "Please see the "
                "support-section on " +
                kMakerWebAddress + " for troubleshooting.",
            vbCritical);

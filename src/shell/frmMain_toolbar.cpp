@@ -7,6 +7,7 @@
 #include "toolkit/imagelists.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
+#include "toolkit/vbstrings.h"
 
 namespace {
 
@@ -101,12 +102,12 @@ void frmMain::RunUpdateCommand() {
             bUpdating_ = false;
             return;
         }
-        MsgBox(
-            "The update routine could not succesfully download all nescessary files.\nPlease "
-            "make sure that you have a connection to the internet and try the update feature "
-            "again.\nIf the problem persists, download the update from " +
-                kMakerWebAddress + " manually.",
-            vbExclamation, "Auto-Update");
+        MsgBox("The update routine could not succesfully download all nescessary files." + vbCrLf +
+                   "Please make sure that you have a connection to the internet and try the update "
+                   "feature again." +
+                   vbCrLf + "If the problem persists, download the update from " +
+                   kMakerWebAddress + " manually.",
+               vbExclamation, "Auto-Update");
     }
     bUpdating_ = false;
 }

@@ -4,19 +4,24 @@
 #include <QObject>
 #include <functional>
 
-// One running program per program folder. A second start finds the first through a local
-// socket named after the folder, asks it to come forward, and ends.
+// One running program per catalogue folder. The claim is a lock on a file in that folder, which
+// the process holds until it ends, so that a start during another one's exit still finds it. A
+// later start asks the first, through a local socket named after the folder, to come forward.
 class SingleInstance : public QObject {
     Q_OBJECT
   public:
-    SingleInstance(const QString& programFolder, QObject* parent);
+    SingleInstance(const QString& folder, QObject* parent);
+    ~SingleInstance() override;
 
-    // True when another instance answers; it has then been asked to raise its window.
+    // True when no other program holds the folder; this one then holds it until the process ends.
+    bool Claim();
+    // Asks the holder to raise its window; false when none answers.
     bool AskPreviousInstanceToRaise();
     // Starts answering later starts; onRaise runs when one asks.
     void Listen(std::function<void()> onRaise);
 
   private:
+    QString folder_;
     QString serverName_;
     QLocalServer* server_ = nullptr;
 };

@@ -8,6 +8,7 @@
 #include "store/fieldsizes.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
+#include "toolkit/vbstrings.h"
 
 void frmMain::NewTitle() {
     if (MousePointer() != vbArrow) return;
@@ -54,10 +55,9 @@ void frmMain::DeleteTitle() {
 void frmMain::RenameTitle(const QString& name) {
     QString newName;
     try {
-        newName = InputBox("Please enter a new title for CD " + name +
-                               "\n(Max.Length = " + QString::number(gLenTitle) + ")",
-                           "Rename CD-title", name)
-                      .trimmed()
+        newName = Trim(InputBox("Please enter a new title for CD " + name + vbCrLf +
+                                    "(Max.Length = " + QString::number(gLenTitle) + ")",
+                                "Rename CD-title", name))
                       .left(gLenTitle);
         if (newName == name || newName.isEmpty()) return;
         auto title = gDatabase->OpenRecordset(
@@ -74,8 +74,9 @@ void frmMain::RenameTitle(const QString& name) {
 
 void frmMain::HideFolder(long id, const QString& name) {
     try {
-        const int answer = MsgBox("Are you sure you want to hide this platform?\n\n" + name,
-                                  vbYesNoCancel | vbQuestion, "Hide platform");
+        const int answer =
+            MsgBox("Are you sure you want to hide this platform?" + vbCrLf + vbCrLf + name,
+                   vbYesNoCancel | vbQuestion, "Hide platform");
         if (answer != vbYes) return;
         auto platform = gDatabase->OpenRecordset(
             "select * from platform where idplatform = " + QString::number(id), dbOpenDynaset);

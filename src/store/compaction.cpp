@@ -6,12 +6,15 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QMetaObject>
 #include <filesystem>
 
+#include "shell/frmMain.h"
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
+#include "toolkit/vbstrings.h"
 
 namespace {
 
@@ -26,15 +29,68 @@ void SyncToDisk(const QString& path) {
     ::close(descriptor);
 }
 
+// The file the catalogue's name stands for. A catalogue kept in a synced folder is often a
+// symbolic link: the file it points at is the one compacted and replaced, the link stays.
+QString CatalogueFile(const QString& path) {
+    const QFileInfo info(path);
+    return info.isSymLink() && info.exists() ? info.canonicalFilePath() : path;
+}
+
+// Beside the catalogue's own file, so that the rename stays on one file system.
+QString TemporaryPathBeside(const QString& catalogue) {
+    return AddBackslash(QFileInfo(catalogue).absolutePath()) + "data.compacted";
+}
+
 // The rename replaces the old file in one step: the catalogue's name always points at a whole
-// file, the old one or the compacted one.
+// file, the old one or the compacted one. The compacted file takes the old one's permissions.
 void ReplaceCatalogue(const QString& compacted, const QString& catalogue) {
+    QFile::setPermissions(compacted, QFile::permissions(catalogue));
     SyncToDisk(compacted);
     std::error_code error;
     std::filesystem::rename(QFile::encodeName(compacted).toStdString(),
                             QFile::encodeName(catalogue).toStdString(), error);
-    if (error) throw VbError(75, QString::fromStdString(error.message()));
+    if (error) {
+        QFile::remove(compacted);
+        throw VbError(75, QString::fromStdString(error.message()));
+    }
     SyncToDisk(QFileInfo(catalogue).absolutePath());
+}
+
+void EndProgramWithoutCatalogue() {
+    QMetaObject::invokeMethod(
+        qApp,
+        [] {
+            if (!gMainForm) return;
+            gMainForm->SetMousePointer(vbArrow);
+            gMainForm->Unload();
+        },
+        Qt::QueuedConnection);
+}
+
+// The program must not run on without its catalogue: the user may try again, or the program
+// closes through its normal exit.
+void ReopenCatalogue(const QString& filter, const QString& sort) {
+    for (;;) {
+        try {
+            OpenCatalogue();
+            break;
+        } catch (const VbError& error) {
+            const int answer =
+                MsgBox("Velmora could not open its database again after compacting it." + vbCrLf +
+                           QString::number(error.Number) + ": " + error.Description + vbCrLf +
+                           "Click \"Retry\" to try again, or \"Cancel\" to close Velmora.",
+                       vbRetryCancel | vbCritical, kCompactErrorTitle);
+            if (answer != vbRetry) {
+                EndProgramWithoutCatalogue();
+                return;
+            }
+        }
+    }
+    gRecordset.reset();
+    gRecordset = gDatabase->OpenRecordset(gViewSQL, dbOpenDynaset);
+    gRecordset->SetFilter(filter);
+    gRecordset->SetSort(sort);
+    gRecordset->Requery();
 }
 
 }  // namespace
@@ -60,21 +116,20 @@ void CompactCatalogue(bool reopen, const QString& filter, const QString& sort) {
             gDatabase->Close();
             gDatabase.reset();
         }
-        const QString temporaryPath = AddBackslash(CatalogueFolder()) + "data.compacted";
-        const QString errors = CompactInto(gDatabasePath, temporaryPath, gDatabasePassword);
+        const QString catalogue = CatalogueFile(gDatabasePath);
+        const QString temporaryPath = TemporaryPathBeside(catalogue);
+        const QString errors = CompactInto(catalogue, temporaryPath, gDatabasePassword);
         if (!errors.isEmpty())
             MsgBox(errors, vbCritical, kCompactErrorTitle);
         else if (QFile::exists(temporaryPath))
-            ReplaceCatalogue(temporaryPath, gDatabasePath);
-
-        if (reopen) {
-            OpenCatalogue();
-            gRecordset.reset();
-            gRecordset = gDatabase->OpenRecordset(gViewSQL, dbOpenDynaset);
-            gRecordset->SetFilter(filter);
-            gRecordset->SetSort(sort);
-            gRecordset->Requery();
-        }
+            ReplaceCatalogue(temporaryPath, catalogue);
+    } catch (const VbError& error) {
+        MsgBox(QString::number(error.Number) + ": " + error.Description, vbCritical,
+               kCompactErrorTitle);
+    }
+    if (!reopen) return;
+    try {
+        ReopenCatalogue(filter, sort);
     } catch (const VbError& error) {
         MsgBox(QString::number(error.Number) + ": " + error.Description, vbCritical,
                kCompactErrorTitle);

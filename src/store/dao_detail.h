@@ -50,7 +50,10 @@ struct RecordsetData {
     QHash<QString, int> qualifiedNames;
     QHash<QString, int> plainNames;
 
+    // The rows visited, from the row numbered firstCached on. A forward-only recordset keeps
+    // the current row alone: a walk over large memos or listings holds one at a time.
     std::vector<CachedRow> rows;
+    long firstCached = 0;
     bool exhausted = false;
     bool closed = false;
     long position = -1;  // current row; -1 before the first
@@ -72,6 +75,10 @@ struct RecordsetData {
     bool HasCurrent() const { return !eof && !currentDeleted && position >= 0; }
     // Steps the statement until row index exists; false when the rows end first.
     bool FetchTo(long index);
+    // Rows read so far, those dropped by a forward-only recordset included.
+    long FetchedCount() const { return firstCached + static_cast<long>(rows.size()); }
+    // Going back is refused by a forward-only recordset once its first row is gone.
+    void RequireCached(long index) const;
     void FetchAll();
     void Start();
     QVariant CachedValue(int column) const;

@@ -1,5 +1,7 @@
 // DBEngine: opening catalogue files, compacting them and writing their password check.
 
+#include <errno.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <QFile>
@@ -69,13 +71,27 @@ void DBEngine::CompactDatabase(const QString& source, const QString& target, con
     if (QFileInfo::exists(target)) Raise(jetFileAlreadyExists);
     const auto connection = Open(source, true, false);
     RequirePassword(*connection, password);
-    // The target's indexes are built in this connection, with its text order.
-    RunInternal(*connection, "VACUUM INTO ?", {target});
-    connection->Close();
-    // The compacted file replaces the catalogue next: it must be on the disk before that.
-    QFile written(target);
-    if (!written.open(QIODevice::ReadWrite) || ::fsync(written.handle()) != 0)
+    // The target is made here, empty, so that a failure below removes this call's own file and
+    // never one that was there before.
+    const int made = ::open(QFile::encodeName(target).constData(),
+                            O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (made < 0) {
+        if (errno == EEXIST) Raise(jetFileAlreadyExists);
         Raise(3043, "Disk or network error.");
+    }
+    ::close(made);
+    try {
+        // The target's indexes are built in this connection, with its text order.
+        RunInternal(*connection, "VACUUM INTO ?", {target});
+        connection->Close();
+        // The compacted file replaces the catalogue next: it must be on the disk before that.
+        QFile written(target);
+        if (!written.open(QIODevice::ReadWrite) || ::fsync(written.handle()) != 0)
+            Raise(3043, "Disk or network error.");
+    } catch (const VbError&) {
+        QFile::remove(target);
+        throw;
+    }
 }
 
 void DBEngine::SetDatabasePassword(const QString& path, const QString& password) {

@@ -31,10 +31,14 @@ void RecordsetData::RequireCurrent() const {
 }
 
 bool RecordsetData::FetchTo(long index) {
-    while (static_cast<long>(rows.size()) <= index) {
+    while (FetchedCount() <= index) {
         if (exhausted || !statement) return false;
         const int result = sqlite3_step(statement);
         if (result == SQLITE_ROW) {
+            if (type == dbOpenForwardOnly) {
+                firstCached = FetchedCount();
+                rows.clear();
+            }
             rows.push_back(CachedRow::FromStatement(statement, statementColumns));
         } else {
             exhausted = true;
@@ -49,8 +53,13 @@ void RecordsetData::FetchAll() {
     FetchTo(std::numeric_limits<long>::max() - 1);
 }
 
+void RecordsetData::RequireCached(long index) const {
+    if (type == dbOpenForwardOnly && index < firstCached) Raise(3219);
+}
+
 void RecordsetData::Start() {
     rows.clear();
+    firstCached = 0;
     exhausted = false;
     position = -1;
     eof = false;
@@ -66,7 +75,7 @@ void RecordsetData::Start() {
 }
 
 QVariant RecordsetData::CachedValue(int column) const {
-    return rows[position].Value(column);
+    return rows[position - firstCached].Value(column);
 }
 
 int RecordsetData::RowidColumn(const QString& table) const {
@@ -111,6 +120,7 @@ bool Recordset::IsEOF() const {
 void Recordset::MoveFirst() {
     d->RequireOpen();
     d->editMode = EditMode::None;
+    d->RequireCached(0);
     if (!d->FetchTo(0)) Raise(jetNoCurrentRecord);
     d->position = 0;
     d->eof = false;
@@ -121,8 +131,8 @@ void Recordset::MoveLast() {
     d->RequireOpen();
     d->editMode = EditMode::None;
     d->FetchAll();
-    if (d->rows.empty()) Raise(jetNoCurrentRecord);
-    d->position = static_cast<long>(d->rows.size()) - 1;
+    if (d->FetchedCount() == 0) Raise(jetNoCurrentRecord);
+    d->position = d->FetchedCount() - 1;
     d->eof = false;
     d->currentDeleted = false;
 }
@@ -137,7 +147,7 @@ void Recordset::MoveNext() {
     if (d->FetchTo(target)) {
         d->position = target;
     } else {
-        d->position = static_cast<long>(d->rows.size());
+        d->position = d->FetchedCount();
         d->eof = true;
     }
 }
@@ -145,6 +155,7 @@ void Recordset::MoveNext() {
 void Recordset::MovePrevious() {
     d->RequireOpen();
     if (d->position < 0) Raise(jetNoCurrentRecord);
+    d->RequireCached(d->position - 1);
     d->editMode = EditMode::None;
     d->position -= 1;
     d->eof = false;
@@ -152,7 +163,7 @@ void Recordset::MovePrevious() {
 }
 
 long Recordset::RecordCount() const {
-    return d->type == dbOpenTable ? d->tableCount : static_cast<long>(d->rows.size());
+    return d->type == dbOpenTable ? d->tableCount : d->FetchedCount();
 }
 
 long Recordset::AbsolutePosition() const {
@@ -162,6 +173,7 @@ long Recordset::AbsolutePosition() const {
 void Recordset::SetAbsolutePosition(long position) {
     d->RequireOpen();
     if (position < 0 || !d->FetchTo(position)) Raise(3001);
+    d->RequireCached(position);
     d->editMode = EditMode::None;
     d->position = position;
     d->eof = false;

@@ -1,6 +1,7 @@
 #include "store/fieldsizes.h"
 
 #include "store/catalogue.h"
+#include "toolkit/vbruntime.h"
 
 int gLenTitle = 0;
 int gLenLabel = 0;
@@ -12,9 +13,9 @@ int gLenVendor = 0;
 int gLenTrackName = 0;
 
 namespace {
-// The globals hold one byte each, as the catalogue's widths never exceed 255.
+// The globals hold one byte each: a column wider than 255 overflows (error 6) at start.
 int ByteSized(int size) {
-    return size & 0xFF;
+    return CByte(size);
 }
 }  // namespace
 

@@ -149,6 +149,11 @@ QString GetRegistryValue(const QString& keyName, const QString& valueName) {
         lastResult = kFileNotFound;
         return "Error";
     }
+    // The value and its terminating zero must fit the buffer; Windows refuses a longer one.
+    if (value->size() + 1 > kValueBufferLength) {
+        lastResult = kMoreData;
+        return "Error";
+    }
     lastResult = kSuccess;
     return ThroughValueBuffer(*value);
 }

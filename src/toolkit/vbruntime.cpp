@@ -1,4 +1,5 @@
 #include "toolkit/vbruntime.h"
+#include "toolkit/vbstrings.h"
 
 #include <QCoreApplication>
 #include <QLocale>
@@ -97,4 +98,11 @@ QString LongTime(const QTime& time) {
 
 QString NzText(const QVariant& value) {
     return value.isNull() ? QString() : value.toString();
+}
+
+QString Trim(const QString& text) {
+    qsizetype first = 0, end = text.size();
+    while (first < end && text.at(first) == u' ') ++first;
+    while (end > first && text.at(end - 1) == u' ') --end;
+    return text.mid(first, end - first);
 }

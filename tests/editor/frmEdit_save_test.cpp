@@ -75,6 +75,33 @@ class frmEditSaveTest : public QObject {
         form->Unload();
     }
 
+    void memoIsStoredWithTheCataloguesLineEnds() {
+        SelectNode("root");
+        QPointer<frmEdit> form = OpenEditor(true);
+        FillAudioTitle(form, "Two lines");
+        form->Memo->setPlainText("first line\nsecond line");
+        QTest::mouseClick(form->cmdOK, Qt::LeftButton);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(dialogs->msgBoxes.isEmpty());
+        const long id = gCurrentTitleId;
+        QCOMPARE(TitleField(id, "memo").toString(), QString("first line\r\nsecond line"));
+
+        // Loaded again, the memo shows its two lines; only blanks make a memo empty.
+        form = OpenEditor(false, id);
+        QCOMPARE(form->Memo->toPlainText(), QString("first line\nsecond line"));
+        form->Memo->setPlainText("\t");
+        QTest::mouseClick(form->cmdOK, Qt::LeftButton);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(TitleField(id, "memo").toString(), QString("\t"));
+        form = OpenEditor(false, id);
+        form->Memo->setPlainText("  ");
+        form->txtTitle->setText("\tTabbed ");
+        QTest::mouseClick(form->cmdOK, Qt::LeftButton);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(TitleField(id, "memo").toString(), kEmptyTextMark);
+        QCOMPARE(TitleField(id, "nmcd").toString(), QString("\tTabbed"));
+    }
+
     void newTitleWritesRecordTracksAndRow() {
         SelectNode("key1");
         const int rows = gMainForm->ListItemCount();

@@ -171,7 +171,7 @@ class LookupOperationsTest : public QObject {
             QCOMPARE(Call(ModifyPlatform, kLookupDelete, id, "Audio"), QString());
             QCOMPARE(Box(dialogs.msgBoxes.takeLast()),
                      Box({"These folders cannot be deleted since they are a part of the program." +
-                              kCrLf + kCrLf + "You can however 'hide' this platform.",
+                              kCrLf + "You can however 'hide' this platform.",
                           vbInformation, "Unable to delete platform"}));
         }
         QCOMPARE(Rows("platform", "idplatform <= 5"), 5L);

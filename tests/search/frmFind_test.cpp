@@ -209,6 +209,9 @@ class FindTest : public QObject {
         Search(form);
         QCOMPARE(dialogs.msgBoxes.size(), 1);
         QCOMPARE(dialogs.msgBoxes[0].title, QString("Confirm"));
+        QCOMPARE(dialogs.msgBoxes[0].prompt,
+                 QString("You selected to search one category, but you have more than one in "
+                         "your view.\rDo you want to search all categories instead?"));
         QCOMPARE(dialogs.msgBoxes[0].flags, vbYesNoCancel | vbQuestion);
         QCOMPARE(gSearchSQL, before);
         dialogs.answerMsgBox(vbYes);
@@ -223,6 +226,10 @@ class FindTest : public QObject {
             Search(form);
             QCOMPARE(dialogs.msgBoxes.last().title,
                      QString("Unable to search the search-category"));
+            QCOMPARE(dialogs.msgBoxes.last().prompt,
+                     QString("You selected to search the search-category, which is not "
+                             "possible. Please select to search all categories or select a "
+                             "different category in the main window."));
             QCOMPARE(dialogs.msgBoxes.last().flags, int(vbCritical));
         }
         QCOMPARE(gSearchSQL, kBase + kDefaultRanges);

@@ -340,7 +340,7 @@ class CommandsTest : public QObject {
         PressKey(form()->ListView1, form()->ListView1, Qt::Key_F2);
         QCOMPARE(dialogs_->inputs.size(), 1);
         QCOMPARE(dialogs_->inputs[0].prompt,
-                 QString("Please enter a new title for CD Quiet Fields\n(Max.Length = 150)"));
+                 QString("Please enter a new title for CD Quiet Fields\r\n(Max.Length = 150)"));
         QCOMPARE(dialogs_->inputs[0].title, QString("Rename CD-title"));
         QCOMPARE(dialogs_->inputs[0].defaultText, QString("Quiet Fields"));
         QCOMPARE(ValueOf("select * from title where idcd = 2", "nmcd"), QString("Quiet Fields"));
@@ -360,8 +360,9 @@ class CommandsTest : public QObject {
         RightClickTree(NodePoint(NodeWithKey("key2")), form()->mnuDeleteFolder);
         QCOMPARE(dialogs_->msgBoxes.size(), 1);
         QCOMPARE(dialogs_->msgBoxes[0].title, QString("Unable to delete platform"));
-        QVERIFY(dialogs_->msgBoxes[0].prompt.startsWith(
-            "These folders cannot be deleted since they are a part of the program."));
+        QCOMPARE(dialogs_->msgBoxes[0].prompt,
+                 QString("These folders cannot be deleted since they are a part of the "
+                         "program.\r\nYou can however 'hide' this platform."));
         QCOMPARE(dialogs_->msgBoxes[0].flags & 0x70, int(vbInformation));
         QCOMPARE(form()->NodeCount(), nodesBefore);
         QCOMPARE(CountRows("select * from platform where idplatform = 2"), 1L);
@@ -374,7 +375,7 @@ class CommandsTest : public QObject {
         dialogs_->answerMsgBox(vbNo);
         RightClickTree(NodePoint(NodeWithKey("key1")), form()->mnuHideFolder);
         QCOMPARE(dialogs_->msgBoxes[0].prompt,
-                 QString("Are you sure you want to hide this platform?\n\nAudio"));
+                 QString("Are you sure you want to hide this platform?\r\n\r\nAudio"));
         QCOMPARE(dialogs_->msgBoxes[0].flags, 35);
         QCOMPARE(dialogs_->msgBoxes[0].title, QString("Hide platform"));
         QCOMPARE(form()->NodeCount(), nodesBefore);

@@ -4,8 +4,8 @@
 
 #include <QDir>
 #include <QFile>
-#include <QStandardPaths>
 #include <QScreen>
+#include <QStandardPaths>
 
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
@@ -118,12 +118,16 @@ class StartupTest : public QObject {
 
         QVERIFY(!StartProgram());
         QVERIFY(!gDatabase);
-        QCOMPARE(dialogs.msgBoxes.size(), 1);
+        QCOMPARE(dialogs.msgBoxes.size(), 2);
         QCOMPARE(dialogs.msgBoxes[0].prompt, "Database could not be installed, because the file " +
                                                  folder.file("data.dll") + " is missing.");
         QCOMPARE(dialogs.msgBoxes[0].title, QString("Unable to initialize Velmora Database."));
         QCOMPARE(dialogs.msgBoxes[0].flags, int(vbCritical));
+        // The exit still tries its compaction, which finds no file.
+        QCOMPARE(dialogs.msgBoxes[1].title, QString("Error compacting database"));
+        QVERIFY(dialogs.msgBoxes[1].prompt.startsWith("3024|"));
         QVERIFY(!QFile::exists(folder.file("data.gdb")));
+        QVERIFY(!QFile::exists(folder.file("data.compacted")));
     }
 
     void readOnlyCatalogueAsksOnce() {
@@ -142,6 +146,9 @@ class StartupTest : public QObject {
             QCOMPARE(dialogs.msgBoxes[1].prompt,
                      "Unable to open the database " + path + " since it is read-only.");
             QCOMPARE(dialogs.msgBoxes[1].flags, int(vbCritical));
+            // The exit compacts and guards the refused file as any other.
+            QCOMPARE(GetAttr(path), int(vbArchive));
+            QCOMPARE(Head(path).left(15), QByteArray("SQLite format F"));
         }
         {
             SetAttr(path, vbReadOnly);
@@ -165,12 +172,19 @@ class StartupTest : public QObject {
         ScriptedDialogs dialogs;
         QVERIFY(!StartProgram());
         QVERIFY(!gDatabase);
-        QVERIFY(dialogs.msgBoxes.size() >= 2);
+        QCOMPARE(dialogs.msgBoxes.size(), 3);
         QCOMPARE(dialogs.msgBoxes[0].prompt, QString("Not a valid password."));
         QCOMPARE(dialogs.msgBoxes[0].flags, 0);
-        QVERIFY(dialogs.msgBoxes[1].prompt.startsWith("Unable to load Velmora!. The database " +
-                                                      folder.file("data.gdb")));
+        QCOMPARE(dialogs.msgBoxes[1].prompt,
+                 "Unable to load Velmora!. The database " + folder.file("data.gdb") +
+                     " might be inappropriate for this version or is corrupted.\r\nPlease see "
+                     "the support-section on http://www.dorviksoftware.example for "
+                     "troubleshooting.");
         QCOMPARE(dialogs.msgBoxes[1].flags, int(vbCritical));
+        QCOMPARE(dialogs.msgBoxes[1].title, QString());
+        // The exit compacts as usual, and the engine refuses the password there too.
+        QCOMPARE(dialogs.msgBoxes[2].prompt, QString("3031|Not a valid password.\t"));
+        QCOMPARE(dialogs.msgBoxes[2].title, QString("Error compacting database"));
         // The run still ends through the exit, which guards the file again.
         QCOMPARE(Head(folder.file("data.gdb")).at(14), char(0x46));
     }
@@ -196,6 +210,23 @@ class StartupTest : public QObject {
 
         gSecondInstance = false;
         gMainForm = first;
+    }
+
+    void textColumnWiderThanAByteOverflowsAtStart() {
+        TempProgramFolder& folder = *folder_;
+        folder.openCatalogue();
+        gDatabase->Execute("ALTER TABLE title ADD COLUMN templabel TEXT (300)");
+        gDatabase->Execute("ALTER TABLE title DROP COLUMN label");
+        gDatabase->Execute("ALTER TABLE title RENAME COLUMN templabel TO label");
+        folder.closeCatalogue();
+        ScriptedDialogs dialogs;
+
+        QVERIFY(!StartProgram());
+        QVERIFY(!gDatabase);
+        QVERIFY(dialogs.msgBoxes.size() >= 2);
+        QCOMPARE(dialogs.msgBoxes[0].prompt, QString("Overflow"));
+        QVERIFY(dialogs.msgBoxes[1].prompt.startsWith("Unable to load Velmora!. The database "));
+        QCOMPARE(Head(folder.file("data.gdb")).left(15), QByteArray("SQLite format F"));
     }
 
     void busyWindowRefusesToCloseAndKeepsItsLimits() {

@@ -1,6 +1,8 @@
 // Compaction of the catalogue at exit: the compacted copy, the refusal of a leftover temporary
 // file, the swap, and the window that cannot be closed while it works.
 
+#include <sqlite3.h>
+
 #include <QRegularExpression>
 
 #include "shell/frmMain.h"
@@ -174,6 +176,101 @@ class CompactionTest : public QObject {
         QCOMPARE(gRecordset->SQL(), gViewSQL);
         QCOMPARE(TitleCount(), 2L);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    void failedCompactionRemovesOnlyItsOwnFile() {
+        TempProgramFolder folder;
+        folder.openCatalogue();
+        const QString memo(3000, QChar('m'));
+        for (int idcd = 1; idcd <= 300; ++idcd) AddTitle(idcd, memo);
+        folder.closeCatalogue();
+        // A damaged file: the pages of the titles are overwritten, the schema is intact.
+        {
+            QFile file(gDatabasePath);
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.seek(file.size() / 2));
+            file.write(QByteArray(file.size() / 2, char(0x5A)));
+        }
+        ScriptedDialogs dialogs;
+        for (int exit = 1; exit <= 2; ++exit) {
+            CompactCatalogue(false, QString(), QString());
+            QCOMPARE(dialogs.msgBoxes.size(), exit);
+            QCOMPARE(dialogs.msgBoxes.last().title, QString("Error compacting database"));
+            QVERIFY2(!dialogs.msgBoxes.last().prompt.startsWith("3204|"),
+                     qPrintable(dialogs.msgBoxes.last().prompt));
+            QVERIFY(!QFile::exists(folder.file("data.compacted")));
+        }
+    }
+
+    void symbolicLinkStaysALinkToTheCompactedGuardedTarget() {
+        TempProgramFolder folder;
+        folder.installTemplate();
+        QTemporaryDir synced;
+        const QString target = synced.filePath("discs.gdb");
+        QVERIFY(QFile::copy(folder.file("data.dll"), target));
+        const QFile::Permissions permissions =
+            QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup;
+        QVERIFY(QFile::setPermissions(target, permissions));
+        QVERIFY(QFile::link(target, folder.file("data.gdb")));
+
+        ScriptedDialogs dialogs;
+        QVERIFY(StartProgram());
+        QVERIFY(gDatabase);
+        AddTitle(1, "kept through the link");
+        EndProgram();
+
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+        QVERIFY(QFileInfo(folder.file("data.gdb")).isSymLink());
+        QCOMPARE(QFileInfo(folder.file("data.gdb")).symLinkTarget(), target);
+        QCOMPARE(FileHead(target), QByteArray("SQLite format F"));
+        QCOMPARE(QFile::permissions(target) & 0x7777, permissions);
+        QVERIFY(!QFile::exists(folder.file("data.compacted")));
+        QVERIFY(!QFile::exists(synced.filePath("data.compacted")));
+        QVERIFY(StartProgram());
+        QCOMPARE(TitleCount(), 1L);
+        EndProgram();
+        QVERIFY(QFileInfo(folder.file("data.gdb")).isSymLink());
+    }
+
+    void failedReopenAsksUntilTheCatalogueIsOpenAgain() {
+        TempProgramFolder folder;
+        folder.openCatalogue();
+        AddTitle(1, "one");
+        gViewSQL = "Select * from title";
+        folder.closeCatalogue();
+        // Another holder of the file makes the compaction and the reopening fail.
+        sqlite3* holder = nullptr;
+        QCOMPARE(sqlite3_open(gDatabasePath.toUtf8().constData(), &holder), SQLITE_OK);
+        QCOMPARE(sqlite3_exec(holder, "PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE; COMMIT",
+                              nullptr, nullptr, nullptr),
+                 SQLITE_OK);
+        QList<MsgBoxCall> boxes;
+        SetMsgBoxResponder([&](const MsgBoxCall& call) {
+            boxes.append(call);
+            if (call.flags != (vbRetryCancel | vbCritical)) return int(vbOK);
+            if (boxes.size() == 3) {
+                sqlite3_close(holder);
+                holder = nullptr;
+            }
+            return int(vbRetry);
+        });
+        CompactCatalogue(true, "idcd > 0", QString());
+        testsupport::InstallUnscriptedResponders();
+        if (holder) sqlite3_close(holder);
+
+        QCOMPARE(boxes.size(), 3);
+        QCOMPARE(boxes[0].title, QString("Error compacting database"));
+        for (int retry = 1; retry <= 2; ++retry) {
+            QCOMPARE(boxes[retry].title, QString("Error compacting database"));
+            QVERIFY2(boxes[retry].prompt.startsWith(
+                         "Velmora could not open its database again after compacting it.\r\n"),
+                     qPrintable(boxes[retry].prompt));
+            QVERIFY(boxes[retry].prompt.endsWith(
+                "\r\nClick \"Retry\" to try again, or \"Cancel\" to close Velmora."));
+        }
+        QVERIFY(gDatabase && gRecordset);
+        QCOMPARE(gRecordset->Filter(), QString("idcd > 0"));
+        QCOMPARE(TitleCount(), 1L);
     }
 };
 

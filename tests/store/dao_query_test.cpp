@@ -1,6 +1,8 @@
 // Reading the catalogue: fields over joins, values, counts, moves and the statements the store
 // refuses.
 
+#include <malloc.h>
+
 #include "store/catalogue.h"
 #include "store/storetest.h"
 #include "support/testsupport.h"
@@ -215,6 +217,40 @@ class DaoQueryTest : public QObject {
         rs->SetAbsolutePosition(99);
         QCOMPARE(rs->Fields("Tracks.TrackName").Value().toString(), QString("Track 100"));
         QCOMPARE(rs->Fields("nmcd").Value().toString(), QString("Long album"));
+    }
+
+    void forwardOnlyWalkHoldsOnlyTheCurrentRow() {
+        const QString listing(100 * 1024, QChar('l'));
+        for (int title = 1; title <= 200; ++title) AddTitle(*gDatabase, QString::number(title));
+        gDatabase->Execute("update title set listing = '" + listing + "'");
+
+        const size_t before = mallinfo2().uordblks;
+        size_t highest = before;
+        auto rs = gDatabase->OpenRecordset("select * from title order by idcd", dbOpenForwardOnly);
+        long walked = 0;
+        while (!rs->IsEOF()) {
+            ++walked;
+            QCOMPARE(rs->Fields("nmcd").Value().toString(), QString::number(walked));
+            QCOMPARE(rs->Fields("listing").Value().toString().size(), listing.size());
+            QCOMPARE(rs->RecordCount(), walked);
+            highest = std::max(highest, mallinfo2().uordblks);
+            rs->MoveNext();
+        }
+        QCOMPARE(walked, 200L);
+        // 200 listings of 200 KB each would be 40 MB; one at a time stays far below.
+        QVERIFY2(highest - before < 8 * 1024 * 1024, qPrintable(QString::number(highest - before)));
+        QCOMPARE(ErrorNumber([&] { rs->MoveFirst(); }), 3219);
+        QCOMPARE(ErrorNumber([&] { rs->MovePrevious(); }), 3219);
+        QCOMPARE(ErrorNumber([&] { rs->Edit(); }), 3027);
+        rs->Requery();
+        QCOMPARE(rs->Fields("nmcd").Value().toString(), QString("1"));
+
+        // A dynaset still goes back and forth over what it has visited.
+        auto dynaset = gDatabase->OpenRecordset("select * from title order by idcd");
+        dynaset->MoveLast();
+        dynaset->MoveFirst();
+        QCOMPARE(dynaset->Fields("nmcd").Value().toString(), QString("1"));
+        QCOMPARE(dynaset->RecordCount(), 200L);
     }
 
   private:

@@ -86,14 +86,20 @@ class RegistryTest : public QObject {
         SetRegistryValue(handle, "Empty", "", REG_SZ);
         SetRegistryValue(handle, "Padded", "  two blanks before, one after ", REG_SZ);
         SetRegistryValue(handle, "Long", QString(300, 'x'), REG_SZ);
+        SetRegistryValue(handle, "Longest", QString(254, 'x'), REG_SZ);
+        SetRegistryValue(handle, "TooLong", QString(255, 'x'), REG_SZ);
         QCOMPARE(LastRegistryResult(), 0L);
 
         QCOMPARE(GetRegistryValue(path, "AppPath"), QString("/opt/velmora"));
         QCOMPARE(GetRegistryValue(path, "apppath"), QString("/opt/velmora"));
         QCOMPARE(GetRegistryValue(path, "Empty"), QString());
         QCOMPARE(GetRegistryValue(path, "Padded"), QString("two blanks before, one after "));
-        // The buffer's last place belonged to the terminator, so a long value loses its tail.
-        QCOMPARE(GetRegistryValue(path, "Long"), QString(254, 'x'));
+        // The value and its terminator must fit the 255 places of the buffer, or Windows
+        // refuses to read it (more data than the buffer holds).
+        QCOMPARE(GetRegistryValue(path, "Longest"), QString(254, 'x'));
+        QCOMPARE(GetRegistryValue(path, "TooLong"), QString("Error"));
+        QCOMPARE(LastRegistryResult(), 234L);
+        QCOMPARE(GetRegistryValue(path, "Long"), QString("Error"));
 
         QCOMPARE(GetRegistryValue(path, "Missing"), QString("Error"));
         QCOMPARE(LastRegistryResult(), 2L);

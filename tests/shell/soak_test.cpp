@@ -1,0 +1,120 @@
+// Thousands of random clicks and keys over the main window, the title editor and the search
+// window, with every box and modal window answered at random: the program must neither crash
+// nor lose its catalogue. The seed makes a failing run repeatable.
+
+#include <QAbstractItemView>
+#include <QRandomGenerator>
+
+#include "editor/editortest.h"
+#include "search/frmFind.h"
+
+using namespace editortest;
+
+namespace {
+
+const std::array<Qt::Key, 14> kKeys = {
+    Qt::Key_Return, Qt::Key_Escape, Qt::Key_Up,     Qt::Key_Down,      Qt::Key_Tab,
+    Qt::Key_Space,  Qt::Key_F2,     Qt::Key_Delete, Qt::Key_Home,      Qt::Key_End,
+    Qt::Key_A,      Qt::Key_Z,      Qt::Key_1,      Qt::Key_Apostrophe};
+
+// The visible, enabled widgets of a window that a user could click: its controls and the
+// viewports of its lists.
+QList<QWidget*> Targets(QWidget* window) {
+    QList<QWidget*> targets;
+    for (QWidget* widget : window->findChildren<QWidget*>())
+        if (widget->isVisible() && widget->isEnabled() && !widget->rect().isEmpty())
+            targets << widget;
+    return targets;
+}
+
+// The windows a user could reach now, opening the editor or the search window when missing.
+QWidget* ChooseWindow(QRandomGenerator& random) {
+    switch (random.bounded(3)) {
+        case 0:
+            if (!gEditForm) {
+                const bool adding = random.bounded(2) == 0;
+                OpenEditor(adding, adding ? 0 : Scalar("select min(idcd) from title").toLongLong());
+            }
+            return gEditForm;
+        case 1:
+            if (!gFindForm) ShowFindWindow();
+            return gFindForm;
+        default:
+            return gMainForm;
+    }
+}
+
+void ActOn(QWidget* target, QRandomGenerator& random) {
+    const QPoint point(random.bounded(target->width()), random.bounded(target->height()));
+    switch (random.bounded(4)) {
+        case 0:
+            QTest::mouseClick(target, Qt::LeftButton, {}, point);
+            break;
+        case 1:
+            QTest::mouseClick(target, Qt::RightButton, {}, point);
+            break;
+        case 2:
+            QTest::mouseDClick(target, Qt::LeftButton, {}, point);
+            break;
+        default:
+            QTest::keyClick(target, kKeys[random.bounded(int(kKeys.size()))]);
+            break;
+    }
+}
+
+}  // namespace
+
+class SoakTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void randomUseKeepsTheProgramAndItsCatalogue() {
+        const quint32 seed = qEnvironmentVariableIntValue("VELMORA_SOAK_SEED") ?: 20261123;
+        QRandomGenerator random(seed);
+        const std::array<int, 5> answers = {vbYes, vbNo, vbCancel, vbOK, vbRetry};
+        SetMsgBoxResponder([&](const MsgBoxCall&) { return answers[random.bounded(5)]; });
+        SetInputBoxResponder([&](const InputBoxCall& call) {
+            return random.bounded(2) ? QString() : call.defaultText + "x";
+        });
+        // Any modal window that opens (menus, the tracks editor, compaction) is closed again.
+        QTimer closer;
+        connect(&closer, &QTimer::timeout, [] {
+            if (QWidget* modal = QApplication::activeModalWidget())
+                if (auto* dialog = qobject_cast<QDialog*>(modal)) dialog->reject();
+            if (QWidget* popup = QApplication::activePopupWidget()) popup->close();
+        });
+        closer.start(5);
+
+        RunningProgram program;
+        for (int title = 1; title <= 12; ++title)
+            StoreTitle("'Title " + QString::number(title) + "', 1, 1, " +
+                       QString::number(1 + title % 3) + ", 1, 1, 1, 'L', 1, 50, '2024-01-01', " +
+                       "'2024-01-01', 'memo', 'listing'");
+        SelectNode("root");
+
+        const int steps = qEnvironmentVariableIntValue("VELMORA_SOAK_STEPS") ?: 3000;
+        for (int step = 0; step < steps; ++step) {
+            if (!gMainForm) {
+                QVERIFY2(StartProgram(),
+                         qPrintable("start failed at step " + QString::number(step)));
+            }
+            QPointer<QWidget> window = ChooseWindow(random);
+            if (!window) continue;
+            const QList<QWidget*> targets = Targets(window);
+            if (targets.isEmpty()) continue;
+            QPointer<QWidget> target = targets[random.bounded(int(targets.size()))];
+            if (target && target->isVisible()) ActOn(target, random);
+            if (step % 50 == 0) QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+        closer.stop();
+
+        if (!gMainForm) StartProgram();
+        if (gEditForm) gEditForm->Unload();
+        if (gFindForm) gFindForm->close();
+        QVERIFY2(gMainForm && gDatabase, "the program ended or lost its catalogue");
+        QVERIFY(Scalar("select count(*) from platform").toLongLong() >= 5);
+        testsupport::InstallUnscriptedResponders();
+    }
+};
+
+VELMORA_TEST_MAIN(SoakTest)
+#include "soak_test.moc"
