@@ -2,6 +2,7 @@
 // here, so that the busy flag and the mode flags around them stay with the commands.
 
 #include "editor/frmEdit.h"
+#include "import/frmImport.h"
 #include "search/frmFind.h"
 #include "shell/frmMain.h"
 
@@ -15,7 +16,9 @@ void frmMain::ShowSearch() {
 
 void frmMain::ShowDatabaseWindow() {}
 
-void frmMain::ShowImportWindow() {}
+void frmMain::ShowImportWindow() {
+    ::ShowImportWindow();
+}
 
 void frmMain::ShowExportWindow() {}
 
