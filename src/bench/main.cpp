@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 
+#include "bench/importscenarios.h"
 #include "bench/searchscenarios.h"
 #include "bench/syntheticcatalogue.h"
 #include "shell/frmMain.h"
@@ -155,6 +156,17 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
         {"search-track-32767",
          [](Catalogues& c, int runs) {
              Report("Search by track name 32767 titles", TimeTrackSearch(c.FolderFor(32767), runs));
+         }},
+        {"import-tab-10000",
+         [](Catalogues&, int runs) {
+             double growth = 0;
+             Report("TAB import 10000 lines", TimeTabImport(10000, runs, &growth));
+             QTextStream(stdout) << "TAB import 10000 lines: process grew by at most "
+                                 << QString::number(growth, 'f', 1) << " MB\n";
+         }},
+        {"import-cdplayer-1000",
+         [](Catalogues&, int runs) {
+             Report("cdplayer.ini import 1000 sections", TimeCdPlayerIniImport(1000, runs));
          }},
         {"compaction-32767",
          [](Catalogues& c, int runs) {

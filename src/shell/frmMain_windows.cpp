@@ -2,6 +2,7 @@
 // here, so that the busy flag and the mode flags around them stay with the commands.
 
 #include "editor/frmEdit.h"
+#include "import/frmImport.h"
 #include "search/frmFind.h"
 #include "shell/frmMain.h"
 #include "store/guardedfile.h"
@@ -29,7 +30,9 @@ void frmMain::ShowHelp() {
 
 void frmMain::ShowDatabaseWindow() {}
 
-void frmMain::ShowImportWindow() {}
+void frmMain::ShowImportWindow() {
+    ::ShowImportWindow();
+}
 
 void frmMain::ShowExportWindow() {}
 

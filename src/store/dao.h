@@ -139,6 +139,12 @@ class Database {
     // One statement that returns no rows.
     void Execute(const QString& sql, int options = 0);
     long RecordsAffected() const;
+    // One transaction around a run of writes, for speed. A statement that fails inside it
+    // undoes only itself; everything else written stays and is kept by CommitTrans.
+    void BeginTrans();
+    void CommitTrans();
+    void Rollback();
+    bool InTransaction() const;
     // Closes the file; recordsets still open lose their statements and refuse further work.
     void Close();
     bool IsOpen() const;

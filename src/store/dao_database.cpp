@@ -73,6 +73,9 @@ Database::~Database() {
 
 void Database::Execute(const QString& sql, int) {
     if (!IsOpen()) Raise(3420);
+    // A Jet file changes only row by row through its writer; a statement would change the copy
+    // alone.
+    if (connection_->jetCopy) Raise(jetObjectReadOnly);
     sqlite3_stmt* statement = PrepareOne(*connection_, sql);
     // A statement that changes the schema may report a column too; a select only reads.
     if (sqlite3_stmt_readonly(statement) && sqlite3_column_count(statement) > 0) {
@@ -82,6 +85,25 @@ void Database::Execute(const QString& sql, int) {
     if (sqlite3_step(statement) != SQLITE_DONE) RaiseSqlite(*connection_, statement);
     sqlite3_finalize(statement);
     connection_->recordsAffected = sqlite3_changes(connection_->db);
+}
+
+void Database::BeginTrans() {
+    if (!IsOpen()) Raise(3420);
+    RunInternal(*connection_, "BEGIN");
+}
+
+void Database::CommitTrans() {
+    if (!IsOpen()) Raise(3420);
+    RunInternal(*connection_, "COMMIT");
+}
+
+void Database::Rollback() {
+    if (!IsOpen()) Raise(3420);
+    RunInternal(*connection_, "ROLLBACK");
+}
+
+bool Database::InTransaction() const {
+    return IsOpen() && !sqlite3_get_autocommit(connection_->db);
 }
 
 long Database::RecordsAffected() const {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "store/dao.h"
+#include "store/jetdatabase.h"
 #include "store/rowcache.h"
 
 namespace dao_detail {
@@ -20,6 +21,10 @@ struct Connection {
     long recordsAffected = 0;
     // Open recordsets lose their statements when the database closes.
     std::vector<RecordsetData*> recordsets;
+    // An in-memory copy of a Jet file; its changes reach the file through the writer, and
+    // without one it refuses them.
+    bool jetCopy = false;
+    std::unique_ptr<JetWriter> writer;
 
     ~Connection();
     void Close();
@@ -103,6 +108,15 @@ sqlite3_stmt* PrepareOne(const Connection& connection, const QString& sql);
 QVariantList RunInternal(const Connection& connection, const QString& sql,
                          const std::vector<QVariant>& values = {});
 QString Quoted(const QString& identifier);
+
+// Reads the Jet file at path into a new in-memory connection.
+std::shared_ptr<Connection> OpenJetCopy(const QString& path, bool readOnly);
+// Every column of one row of a table, by rowid.
+struct JetRowImage {
+    QStringList columns;
+    QVariantList values;
+};
+JetRowImage ReadRowImage(const Connection& connection, const QString& table, const QVariant& rowid);
 
 // Bytes of a number column, declared width of a text column.
 int DeclaredSize(const QString& declaredType);

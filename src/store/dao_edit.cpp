@@ -9,6 +9,7 @@ namespace dao_detail {
 
 bool RecordsetData::Updatable() const {
     return !closed && connection && connection->db &&
+           (!connection->jetCopy || connection->writer) &&
            (type == dbOpenTable || type == dbOpenDynaset) && !(options & dbReadOnly) &&
            !rowidTables.empty() && !sqlite3_db_readonly(connection->db, "main");
 }
@@ -149,13 +150,29 @@ void Recordset::Update() {
     std::vector<QVariant> row(d->statementColumns);
     for (int i = 0; i < d->statementColumns; ++i)
         row[i] = adding ? (i < FieldCount() ? d->pending[i] : QVariant()) : d->CachedValue(i);
-    // A row that spans tables is written whole or not at all.
-    const bool several = tables.size() > 1;
+    // A row that spans tables is written whole or not at all, and so is a row of a Jet file
+    // whose writer refuses it.
+    JetWriter* writer = d->connection->writer.get();
+    const bool several = tables.size() > 1 || writer;
     if (several) Run(*d->connection, "SAVEPOINT dao_update");
     try {
         for (const QString& table : tables) {
+            JetRowChange change;
+            if (writer && !adding) {
+                const JetRowImage before =
+                    ReadRowImage(*d->connection, table, row[d->RowidColumn(table)]);
+                change.before = before.values;
+            }
             const QVariant rowid = WriteTable(*d, table, row[d->RowidColumn(table)]);
             RefreshFields(*d, table, rowid, row);
+            if (writer) {
+                const JetRowImage after = ReadRowImage(*d->connection, table, rowid);
+                change.kind = adding ? JetRowChange::Added : JetRowChange::Changed;
+                change.table = table;
+                change.columns = after.columns;
+                change.after = after.values;
+                writer->Apply(change);
+            }
         }
     } catch (const VbError&) {
         if (several) {
@@ -182,8 +199,23 @@ void Recordset::Delete() {
     d->editMode = EditMode::None;
     // Over a join the row of the first table goes; the store's cascades take the rest.
     const QString table = d->rowidTables.front();
-    RunInternal(*d->connection, "DELETE FROM " + Quoted(table) + " WHERE rowid = ?",
-                {d->CachedValue(d->RowidColumn(table))});
+    const QVariant rowid = d->CachedValue(d->RowidColumn(table));
+    if (JetWriter* writer = d->connection->writer.get()) {
+        const JetRowImage before = ReadRowImage(*d->connection, table, rowid);
+        Run(*d->connection, "SAVEPOINT dao_delete");
+        try {
+            RunInternal(*d->connection, "DELETE FROM " + Quoted(table) + " WHERE rowid = ?",
+                        {rowid});
+            writer->Apply({JetRowChange::Deleted, table, before.columns, before.values, {}});
+        } catch (const VbError&) {
+            Run(*d->connection, "ROLLBACK TO dao_delete");
+            Run(*d->connection, "RELEASE dao_delete");
+            throw;
+        }
+        Run(*d->connection, "RELEASE dao_delete");
+    } else {
+        RunInternal(*d->connection, "DELETE FROM " + Quoted(table) + " WHERE rowid = ?", {rowid});
+    }
     d->rows.erase(d->rows.begin() + d->position);
     d->currentDeleted = true;
     if (d->type == dbOpenTable) --d->tableCount;

@@ -60,6 +60,11 @@ void RequirePassword(const Connection& connection, const QString& connect) {
 std::unique_ptr<Database> DBEngine::OpenDatabase(const QString& path, bool exclusive, bool readOnly,
                                                  const QString& connect) {
     std::unique_ptr<Database> database(new Database);
+    // The Deluxe CD player's database is a Jet file; the program's own files are SQLite.
+    if (jetfile::HasJetSignature(path) || path.endsWith(".mdb", Qt::CaseInsensitive)) {
+        database->connection_ = OpenJetCopy(path, readOnly);
+        return database;
+    }
     database->connection_ = Open(path, exclusive, readOnly);
     RequirePassword(*database->connection_, connect);
     return database;

@@ -6,8 +6,10 @@
 #include <QStandardPaths>
 #include <array>
 
+#include "toolkit/mUtility.h"
 #include "toolkit/mUtilityIni.h"
 #include "toolkit/msgbox.h"
+#include "toolkit/wineregistry.h"
 
 namespace {
 
@@ -140,11 +142,14 @@ QString GetRegistryValue(const QString& keyName, const QString& valueName) {
     }
     const KeyPlace place = PlaceOf(key);
     const IniFile ini(place.file);
-    if (!ini.hasSection(place.section)) {
-        lastResult = kFileNotFound;
-        return "Error";
+    std::optional<QString> value;
+    if (ini.hasSection(place.section)) {
+        value = ini.value(place.section, valueName);
+    } else if (place.file.endsWith("/.odbc.ini")) {
+        // A player installed under Wine registers its data source in the prefix's registry.
+        const WineRegistry registry(WinePrefix() + "/user.reg");
+        value = registry.Value(WithoutTrailingBackslashes(key.subKey), valueName);
     }
-    const std::optional<QString> value = ini.value(place.section, valueName);
     if (!value) {
         lastResult = kFileNotFound;
         return "Error";

@@ -4,7 +4,9 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QTemporaryFile>
+#include <map>
 #include <optional>
 
 #include "toolkit/mUtilityIni.h"
@@ -15,35 +17,54 @@ namespace {
 DocumentOpener documentOpener;
 
 // The profile readers ask one file for key after key (an import reads thousands), so the last
-// file read stays parsed until it changes on disk.
+// file read stays parsed until it changes on disk. During a write run the files written stay in
+// memory, and the run writes each of them once at its end.
 struct CachedIni {
-    QString path;
     QDateTime modified;
     QDateTime changed;
     qint64 size = -1;
     std::optional<IniFile> ini;
+    bool dirty = false;
 };
-CachedIni cachedIni;
+std::map<QString, CachedIni> cachedInis;
+int writeRunDepth = 0;
 
-void StampCache(const QString& path) {
+void Stamp(const QString& path, CachedIni& cached) {
     const QFileInfo info(path);
-    cachedIni.path = path;
-    cachedIni.modified = info.lastModified();
-    cachedIni.changed = info.fileTime(QFileDevice::FileMetadataChangeTime);
-    cachedIni.size = info.exists() ? info.size() : -1;
+    cached.modified = info.lastModified();
+    cached.changed = info.fileTime(QFileDevice::FileMetadataChangeTime);
+    cached.size = info.exists() ? info.size() : -1;
+}
+
+bool IsCurrent(const QString& path, const CachedIni& cached) {
+    if (cached.dirty) return true;
+    const QFileInfo info(path);
+    return cached.ini && cached.size == (info.exists() ? info.size() : -1) &&
+           cached.modified == info.lastModified() &&
+           cached.changed == info.fileTime(QFileDevice::FileMetadataChangeTime);
 }
 
 IniFile& LoadIni(const QString& path) {
-    const QFileInfo info(path);
-    const bool current = cachedIni.ini && cachedIni.path == path &&
-                         cachedIni.size == (info.exists() ? info.size() : -1) &&
-                         cachedIni.modified == info.lastModified() &&
-                         cachedIni.changed == info.fileTime(QFileDevice::FileMetadataChangeTime);
-    if (!current) {
-        cachedIni.ini.emplace(path);
-        StampCache(path);
+    // Only files with writes still to come are kept beside the one asked for.
+    std::erase_if(cachedInis, [&path](const auto& entry) {
+        return !entry.second.dirty && entry.first != path;
+    });
+    CachedIni& cached = cachedInis[path];
+    if (!IsCurrent(path, cached)) {
+        cached.ini.emplace(path);
+        Stamp(path, cached);
     }
-    return *cachedIni.ini;
+    return *cached.ini;
+}
+
+bool SaveIni(const QString& path, CachedIni& cached) {
+    cached.dirty = false;
+    if (!cached.ini->save()) {
+        cached.ini.reset();
+        return false;
+    }
+    Stamp(path, cached);
+    return true;
 }
 
 constexpr int kProfileBufferLength = 255;
@@ -72,10 +93,36 @@ int StartDocument(const QString& document) {
     return OpenWithDesktop(url) ? kStartDone : kStartNoAssociation;
 }
 
+QString WinePrefix() {
+    const QString prefix = qEnvironmentVariable("WINEPREFIX");
+    return QDir::cleanPath(prefix.isEmpty() ? QDir::homePath() + "/.wine" : prefix);
+}
+
 QString GetWindowsDirectory() {
-    QString prefix = qEnvironmentVariable("WINEPREFIX");
-    if (prefix.isEmpty()) prefix = QDir::homePath() + "/.wine";
-    return QDir::cleanPath(prefix + "/drive_c/windows");
+    return WinePrefix() + "/drive_c/windows";
+}
+
+QString WindowsPathInPrefix(const QString& windowsPath) {
+    static const QRegularExpression drive(R"(^([A-Za-z]):[\\/]?)");
+    const QRegularExpressionMatch match = drive.match(windowsPath);
+    if (!match.hasMatch()) return QString(windowsPath).replace('\\', '/');
+    const QString letter = match.captured(1).toLower();
+    QString path = WinePrefix() + "/dosdevices/" + letter + ':';
+    // A prefix made by hand may lack the drive links; its C: is drive_c all the same.
+    if (letter == "c" && !QFileInfo::exists(path)) path = WinePrefix() + "/drive_c";
+    const QStringList names = windowsPath.mid(match.capturedLength())
+                                  .split(QRegularExpression(R"([\\/]+)"), Qt::SkipEmptyParts);
+    for (const QString& name : names) {
+        QString found = name;
+        if (!QFileInfo::exists(path + '/' + name)) {
+            const QStringList entries =
+                QDir(path).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+            for (const QString& entry : entries)
+                if (entry.compare(name, Qt::CaseInsensitive) == 0) found = entry;
+        }
+        path += '/' + found;
+    }
+    return path;
 }
 
 QString GetWindowsTempFolder() {
@@ -98,17 +145,32 @@ bool WriteIniString(const QString& file, const QString& section, const QString& 
 
     IniFile& ini = LoadIni(file);
     ini.setValue(section, key, written);
-    if (!ini.save()) {
-        cachedIni.ini.reset();
+    CachedIni& cached = cachedInis[file];
+    if (writeRunDepth == 0) return SaveIni(file, cached);
+    // The write itself waits for the end of the run; a folder that is not there fails now.
+    if (!QFileInfo(QFileInfo(file).absolutePath()).isDir()) {
+        cachedInis.erase(file);
         return false;
     }
-    // A line break in the value splits the line on disk; the next read must see the file as
-    // it now is.
-    if (written.contains('\r') || written.contains('\n'))
-        cachedIni.ini.reset();
-    else
-        StampCache(file);
+    cached.dirty = true;
     return true;
+}
+
+IniWriteRun::IniWriteRun() {
+    ++writeRunDepth;
+}
+
+IniWriteRun::~IniWriteRun() {
+    Commit();
+}
+
+bool IniWriteRun::Commit() {
+    if (committed_) return ok_;
+    committed_ = true;
+    if (--writeRunDepth > 0) return ok_;
+    for (auto& [path, cached] : cachedInis)
+        if (cached.dirty && !SaveIni(path, cached)) ok_ = false;
+    return ok_;
 }
 
 QString GetTempFolder() {

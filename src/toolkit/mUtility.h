@@ -22,8 +22,13 @@ using DocumentOpener = std::function<bool(const QUrl&)>;
 void SetDocumentOpener(DocumentOpener opener);
 bool OpenWithDesktop(const QUrl& url);
 
+// The user's Wine prefix: $WINEPREFIX, else ~/.wine.
+QString WinePrefix();
 // The Windows folder of the user's Wine prefix, where Windows CD players keep cdplayer.ini.
 QString GetWindowsDirectory();
+// A Windows path ("C:\Program Files\...") as the file in the Wine prefix that Windows programs
+// see under it, its names matched without regard to case; any other path with "\" as "/".
+QString WindowsPathInPrefix(const QString& windowsPath);
 // The Windows folder + "/TEMP", whether it exists or not.
 QString GetWindowsTempFolder();
 
@@ -36,6 +41,23 @@ QString ReadIniString(const QString& file, const QString& section, const QString
 // file cannot be written.
 bool WriteIniString(const QString& file, const QString& section, const QString& key,
                     QString& value);
+
+// Holds the writes of WriteIniString in memory while it lives, so that a run of many writes
+// writes each file once, atomically, at its end (Commit or destruction). Runs may nest; the
+// outermost one writes.
+class IniWriteRun {
+  public:
+    IniWriteRun();
+    ~IniWriteRun();
+    IniWriteRun(const IniWriteRun&) = delete;
+    IniWriteRun& operator=(const IniWriteRun&) = delete;
+    // False when a file could not be written (it is then left as it was).
+    bool Commit();
+
+  private:
+    bool committed_ = false;
+    bool ok_ = true;
+};
 
 // The system's temporary folder with one trailing "/".
 QString GetTempFolder();

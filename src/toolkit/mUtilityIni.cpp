@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QSaveFile>
-#include <QStringDecoder>
 
 namespace {
 
@@ -43,18 +42,24 @@ QString ValueOf(const QString& line) {
 
 IniFile::IniFile(const QString& path) : path_(path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return;
-    const QByteArray bytes = file.readAll();
+    if (file.open(QIODevice::ReadOnly)) parse(file.readAll());
+}
 
-    // Files from Windows are 8-bit ANSI; anything that is not valid UTF-8 is read as Latin-1
-    // and written back the same way.
-    QStringDecoder decoder(QStringDecoder::Utf8);
-    QString text = decoder(bytes);
-    if (decoder.hasError()) {
-        utf8_ = false;
-        text = QString::fromLatin1(bytes);
+IniFile::IniFile(const QString& path, const QByteArray& bytes) : path_(path) {
+    parse(bytes);
+}
+
+void IniFile::parse(const QByteArray& bytes) {
+    DecodedText decoded = DecodeText(bytes);
+    encoding_ = decoded.encoding;
+    const QString& text = decoded.text;
+    lines_.clear();
+    lineEnd_ = "\r\n";
+    endsWithLineEnd_ = true;
+    if (text.isEmpty()) {
+        sections_.clear();
+        return;
     }
-
     const qsizetype firstBreak = text.indexOf('\n');
     if (firstBreak >= 0) lineEnd_ = firstBreak > 0 && text[firstBreak - 1] == '\r' ? "\r\n" : "\n";
     lines_ = text.split('\n');
@@ -109,7 +114,8 @@ std::optional<QString> IniFile::value(const QString& section, const QString& key
 
 void IniFile::insertLine(int at, const QString& line) {
     lines_.insert(at, line);
-    indexSections();
+    for (int& header : sections_)
+        if (header >= at) ++header;
 }
 
 void IniFile::addSection(const QString& section) {
@@ -125,20 +131,26 @@ void IniFile::setValue(const QString& section, const QString& key, const QString
     const int line = keyLine(header, key);
     if (line >= 0) {
         lines_[line] = KeyOf(lines_[line]) + '=' + value;
-        return;
+    } else {
+        // New keys go after the section's last entry, ahead of the blank lines that separate
+        // it from the next section.
+        int at = sectionEnd(header);
+        while (at > header + 1 && lines_[at - 1].trimmed().isEmpty()) --at;
+        insertLine(at, key + '=' + value);
     }
-    // New keys go after the section's last entry, ahead of the blank lines that separate it
-    // from the next section.
-    int at = sectionEnd(header);
-    while (at > header + 1 && lines_[at - 1].trimmed().isEmpty()) --at;
-    insertLine(at, key + '=' + value);
+    // A line break in the value splits the line, as it does on disk.
+    if (value.contains('\r') || value.contains('\n')) parse(EncodeText(text(), encoding_));
+}
+
+QString IniFile::text() const {
+    QString text = lines_.join(lineEnd_);
+    if (endsWithLineEnd_ && !lines_.isEmpty()) text += lineEnd_;
+    return text;
 }
 
 bool IniFile::save() const {
-    QString text = lines_.join(lineEnd_);
-    if (endsWithLineEnd_ && !lines_.isEmpty()) text += lineEnd_;
     QSaveFile file(path_);
     if (!file.open(QIODevice::WriteOnly)) return false;
-    file.write(utf8_ ? text.toUtf8() : text.toLatin1());
+    file.write(EncodeText(text(), encoding_));
     return file.commit();
 }

@@ -5,6 +5,8 @@
 #include <QStringList>
 #include <optional>
 
+#include "toolkit/textencoding.h"
+
 // A Windows profile file kept as its own lines, so that a write changes one line and leaves
 // every other line, comment and blank as it was. Matching follows the Windows profile
 // functions: section and key names without case and without surrounding blanks, the first
@@ -15,6 +17,8 @@ class IniFile {
   public:
     // Loads the file if it exists; a missing file is an empty profile.
     explicit IniFile(const QString& path);
+    // Takes bytes as the file's content; a save writes them to path.
+    IniFile(const QString& path, const QByteArray& bytes);
 
     bool hasSection(const QString& section) const;
     std::optional<QString> value(const QString& section, const QString& key) const;
@@ -34,13 +38,15 @@ class IniFile {
     int sectionEnd(int header) const;
     int keyLine(int header, const QString& key) const;
     void insertLine(int at, const QString& line);
+    void parse(const QByteArray& bytes);
     void indexSections();
+    QString text() const;
 
     QString path_;
     QStringList lines_;
     QString lineEnd_ = "\r\n";
     bool endsWithLineEnd_ = true;
-    bool utf8_ = true;
+    TextEncoding encoding_ = TextEncoding::Windows1252;
     // Folded section name -> line of its first header.
     QHash<QString, int> sections_;
 };

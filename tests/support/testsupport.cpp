@@ -87,6 +87,14 @@ ScriptedDialogs::ScriptedDialogs() {
         inputs.append(call);
         return inputAnswers.isEmpty() ? QString() : inputAnswers.dequeue();
     });
+    SetFileChooser([this](const FileDialogCall& call) {
+        fileDialogs.append(call);
+        FileDialogAnswer answer;
+        answer.filename = fileAnswers.isEmpty() ? QString() : fileAnswers.dequeue();
+        answer.filenames = {answer.filename};
+        answer.filterIndex = call.filterIndex;
+        return answer;
+    });
 }
 
 ScriptedDialogs::~ScriptedDialogs() {
@@ -126,6 +134,10 @@ void InstallUnscriptedResponders() {
     SetInputBoxResponder([](const InputBoxCall& call) {
         qWarning("unscripted input box: %s", qPrintable(call.prompt));
         return QString();
+    });
+    SetFileChooser([](const FileDialogCall& call) {
+        qWarning("unscripted file dialog: %s", qPrintable(call.title));
+        return FileDialogAnswer();
     });
 }
 

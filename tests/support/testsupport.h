@@ -10,6 +10,7 @@
 #include <QtTest>
 #include <functional>
 
+#include "toolkit/GCommonDialog.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/resources.h"
 
@@ -35,7 +36,7 @@ class TempProgramFolder {
     QString previousAppPath_;
 };
 
-// Answers MsgBox and InputBox from queues and records every question asked.
+// Answers MsgBox, InputBox and the file dialogs from queues and records every question asked.
 class ScriptedDialogs {
   public:
     ScriptedDialogs();
@@ -43,11 +44,15 @@ class ScriptedDialogs {
 
     void answerMsgBox(int result) { msgBoxAnswers.enqueue(result); }
     void answerInput(const QString& text) { inputAnswers.enqueue(text); }
+    // An empty path answers the file dialog with a cancel.
+    void answerFile(const QString& path) { fileAnswers.enqueue(path); }
 
     QList<MsgBoxCall> msgBoxes;
     QList<InputBoxCall> inputs;
     QQueue<int> msgBoxAnswers;
     QQueue<QString> inputAnswers;
+    QList<FileDialogCall> fileDialogs;
+    QQueue<QString> fileAnswers;
     // Used when the queue is empty; an unscripted box is recorded like any other.
     int defaultMsgBoxAnswer = vbCancel;
 

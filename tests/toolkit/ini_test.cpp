@@ -76,7 +76,7 @@ class IniTest : public QObject {
         WriteFile(lfFile, "[A]\nkey=1\n");
         value = "Caf\u00e9";
         QVERIFY(WriteIniString(lfFile, "A", "name", value));
-        QCOMPARE(ReadFile(lfFile), QByteArray("[A]\nkey=1\nname=Caf\xc3\xa9\n"));
+        QCOMPARE(ReadFile(lfFile), QByteArray("[A]\nkey=1\nname=Caf\xe9\n"));
 
         const QString windows = dir.filePath("ansi.ini");
         WriteFile(windows, "[A]\r\nname=Caf\xe9\r\n");
@@ -100,6 +100,61 @@ class IniTest : public QObject {
         QCOMPARE(value, QString("Side A  Side B "));
         QCOMPARE(ReadFile(path), QByteArray("[Disc]\r\ntitle=Side A\r\nSide B\n\r\n"));
         QCOMPARE(ReadIniString(path, "Disc", "title", ""), QString("Side A"));
+    }
+
+    void encodingsAreReadAndKept() {
+        // Windows-1252 has its own characters at 0x80 to 0x9F.
+        const QString ansi = dir.filePath("cp1252.ini");
+        WriteFile(ansi,
+                  "[Disc]\r\ntitle=L\x92uomo \x80 stra\xdf"
+                  "e\r\n");
+        QCOMPARE(ReadIniString(ansi, "Disc", "title", ""),
+                 QString("L\u2019uomo \u20ac stra\u00dfe"));
+        QString value = "Caf\u00e9 \u2019 \u4e2d";
+        QVERIFY(WriteIniString(ansi, "Disc", "artist", value));
+        QCOMPARE(ReadFile(ansi), QByteArray("[Disc]\r\ntitle=L\x92uomo \x80 stra\xdf"
+                                            "e\r\nartist=Caf\xe9 \x92 ?\r\n"));
+
+        // UTF-8 stays UTF-8, with its byte-order mark when it had one.
+        const QString utf8 = dir.filePath("utf8.ini");
+        WriteFile(utf8, "\xef\xbb\xbf[Disc]\ntitle=Bj\xc3\xb6rk\n");
+        QCOMPARE(ReadIniString(utf8, "disc", "TITLE", ""), QString("Bj\u00f6rk"));
+        value = "\u4e2d";
+        QVERIFY(WriteIniString(utf8, "Disc", "artist", value));
+        QCOMPARE(ReadFile(utf8),
+                 QByteArray("\xef\xbb\xbf[Disc]\ntitle=Bj\xc3\xb6rk\nartist=\xe4\xb8\xad\n"));
+    }
+
+    void aWriteRunWritesEachFileOnceAtItsEnd() {
+        const QString path = dir.filePath("run.ini");
+        WriteFile(path, "[Old]\r\nkey=1\r\n");
+        {
+            IniWriteRun run;
+            for (int section = 0; section < 200; ++section)
+                for (int key = 0; key < 10; ++key) {
+                    QString value = QString("value %1").arg(key);
+                    QVERIFY(WriteIniString(path, QString::number(section, 16), QString::number(key),
+                                           value));
+                }
+            // Reads in the run see the writes; the file does not yet.
+            QCOMPARE(ReadIniString(path, "c7", "9", ""), QString("value 9"));
+            QCOMPARE(ReadFile(path), QByteArray("[Old]\r\nkey=1\r\n"));
+            QString broken = "first\r\nsecond=line";
+            QVERIFY(WriteIniString(path, "Old", "key", broken));
+            QCOMPARE(ReadIniString(path, "Old", "second", ""), QString("line"));
+            QVERIFY(run.Commit());
+        }
+        const QByteArray written = ReadFile(path);
+        QVERIFY(
+            written.startsWith("[Old]\r\nkey=first\r\nsecond=line\r\n\r\n[0]\r\n0=value 0\r\n"));
+        QCOMPARE(written.count("\r\n9=value 9\r\n"), 200);
+        QCOMPARE(ReadIniString(path, "C7", "9", ""), QString("value 9"));
+
+        // A folder that is not there fails at the write; the run writes nothing there.
+        IniWriteRun run;
+        QString value = "x";
+        QVERIFY(!WriteIniString(dir.filePath("missing/run.ini"), "A", "b", value));
+        QVERIFY(run.Commit());
     }
 
     void readsSeeChangesMadeBehindTheirBack() {

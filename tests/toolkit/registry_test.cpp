@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 
 #include "support/testsupport.h"
 #include "toolkit/mRegistry.h"
@@ -137,6 +138,27 @@ class RegistryTest : public QObject {
         QCOMPARE(GetRegistryValue("HKEY_LOCAL_MACHINE\\Software\\ODBC\\ODBC.INI\\DeluxeCD", "DBQ"),
                  QString("Error"));
         QVERIFY(!QFile::exists(StorePath()));
+    }
+
+    void withoutAnOdbcSectionTheWinePrefixRegistryAnswers() {
+        QTemporaryDir prefix;
+        qputenv("WINEPREFIX", prefix.path().toLocal8Bit());
+        WriteFile(prefix.filePath("user.reg"),
+                  "WINE REGISTRY Version 2\n;; All keys relative to \\\\User\\\\S-1-5-21\n\n"
+                  "[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1700000000\n#time=1d9\n"
+                  "\"DBQ\"=\"Deluxe\\\\deluxecd.mdb\"\n"
+                  "\"DefaultDir\"=\"C:\\\\Program Files\\\\Plus! \\\"CD\\\" Caf\\x00e9\"\n"
+                  "\"Flags\"=dword:00000001\n\n[Software\\\\Other]\n\"DBQ\"=\"no\"\n");
+        const QString key = "HKEY_CURRENT_USER\\Software\\ODBC\\ODBC.INI\\deluxecd";
+        QCOMPARE(GetRegistryValue(key, "dbq"), QString("Deluxe\\deluxecd.mdb"));
+        QCOMPARE(GetRegistryValue(key, "DefaultDir"),
+                 QString("C:\\Program Files\\Plus! \"CD\" Caf\u00e9"));
+        QCOMPARE(GetRegistryValue(key, "Flags"), QString("Error"));
+        // The user's own data source comes first.
+        WriteFile(OdbcPath(), "[DeluxeCD]\nDBQ = own.mdb\n");
+        QCOMPARE(GetRegistryValue(key, "DBQ"), QString("own.mdb"));
+        QCOMPARE(GetRegistryValue(key, "DefaultDir"), QString("Error"));
+        qunsetenv("WINEPREFIX");
     }
 
     void failuresAndMessageTexts() {

@@ -34,6 +34,21 @@ class UtilityTest : public QObject {
         QVERIFY(!QFileInfo::exists(GetWindowsTempFolder()));
     }
 
+    void windowsPathsAreFoundInThePrefixWithoutRegardToCase() {
+        QTemporaryDir prefix;
+        qputenv("WINEPREFIX", prefix.path().toLocal8Bit());
+        QVERIFY(QDir().mkpath(prefix.filePath("drive_c/Program Files/Plus!/Deluxe CD")));
+        QCOMPARE(WindowsPathInPrefix("c:\\program files\\PLUS!\\deluxe cd\\new.mdb"),
+                 prefix.path() + "/drive_c/Program Files/Plus!/Deluxe CD/new.mdb");
+        QVERIFY(QDir().mkpath(prefix.filePath("dosdevices")));
+        QVERIFY(QFile::link("../drive_c", prefix.filePath("dosdevices/c:")));
+        QCOMPARE(WindowsPathInPrefix("C:/Program Files\\"),
+                 prefix.path() + "/dosdevices/c:/Program Files");
+        QCOMPARE(WindowsPathInPrefix("D:\\cd.mdb"), prefix.path() + "/dosdevices/d:/cd.mdb");
+        QCOMPARE(WindowsPathInPrefix("/home/me/cd.mdb"), QString("/home/me/cd.mdb"));
+        qunsetenv("WINEPREFIX");
+    }
+
     void temporaryFilesAreNewAndNamedAfterTheProgram() {
         QCOMPARE(GetTempFolder(), QDir::tempPath() + "/");
         const QString first = GetTempName();

@@ -1,0 +1,161 @@
+#include "bench/importscenarios.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "import/frmImport.h"
+#include "store/catalogue.h"
+#include "toolkit/GCommonDialog.h"
+#include "toolkit/msgbox.h"
+#include "toolkit/vberror.h"
+#include "toolkit/vbruntime.h"
+
+namespace {
+
+void InstallCatalogue(const QString& folder) {
+    const QString templatePath = QCoreApplication::applicationDirPath() + "/data.dll";
+    for (const QString& name : {QString("data.dll"), QString("data.gdb")}) {
+        QFile::remove(folder + "/" + name);
+        if (!QFile::copy(templatePath, folder + "/" + name))
+            throw VbError(0, "Cannot copy " + templatePath);
+        QFile::setPermissions(folder + "/" + name, QFile::ReadOwner | QFile::WriteOwner);
+    }
+    App.Path = folder;
+    gDatabasePath = folder + "/data.gdb";
+    gDatabasePassword = kDatabasePassword;
+    OpenCatalogue();
+}
+
+void CloseCatalogue() {
+    gRecordset.reset();
+    gDatabase->Close();
+    gDatabase.reset();
+}
+
+void WriteFile(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        throw VbError(0, "Cannot write " + path);
+}
+
+QByteArray TabFile(int lines) {
+    const QStringList platforms = {"Audio", "Video", "PC", "Macintosh", "Game console"};
+    QByteArray text;
+    for (int line = 0; line < lines; ++line) {
+        QStringList tracks;
+        for (int track = 1; track <= 12; ++track)
+            tracks << QString("Track %1 of title %2").arg(track).arg(line);
+        const QStringList columns = {platforms[line % 5],
+                                     QString("Type %1").arg(line % 20),
+                                     QString("Specific %1").arg(line % 7),
+                                     QString("Vendor %1").arg(line % 500),
+                                     QString("Title number %1").arg(line),
+                                     QString("Medium %1").arg(line % 4),
+                                     QString("L%1").arg(line),
+                                     QString::number(line % 11),
+                                     "README.TXT<NEWLINE>SETUP.EXE",
+                                     QString::number(100000 + line),
+                                     "12",
+                                     "A memo<NEWLINE>on two lines",
+                                     tracks.join("<NEWLINE>"),
+                                     "1"};
+        text += columns.join('\t').toUtf8() + "\r\n";
+    }
+    return text;
+}
+
+QByteArray CdPlayerIni(int sections) {
+    QByteArray text = "[CDDB]\r\nversion=1\r\n";
+    for (int section = 0; section < sections; ++section) {
+        text += "[" + QByteArray::number(0x10000 + section, 16).toUpper() + "]\r\nEntryType=1\r\n";
+        text += "artist=Artist " + QByteArray::number(section % 100) + "\r\n";
+        text += "title=Album " + QByteArray::number(section) + "\r\nnumtracks=12\r\n";
+        for (int track = 0; track < 12; ++track)
+            text += QByteArray::number(track) + "=Song " + QByteArray::number(track) + "\r\n";
+        text += "order=0 1 2 3 4 5 6 7 8 9 10 11\r\nnumplay=12\r\n";
+    }
+    return text;
+}
+
+long ResidentKilobytes() {
+    QFile status("/proc/self/status");
+    if (!status.open(QIODevice::ReadOnly)) return 0;
+    for (const QByteArray& line : status.readAll().split('\n'))
+        if (line.startsWith("VmRSS:")) return line.mid(6).trimmed().split(' ').value(0).toLong();
+    return 0;
+}
+
+double Milliseconds(const QElapsedTimer& timer) {
+    return timer.nsecsElapsed() / 1e6;
+}
+
+void ChooseDefaults(frmImport& window) {
+    window.cmbDefType->setCurrentIndex(0);
+    window.cmbDefType_Click();
+    window.cmbDefSpecific->setCurrentIndex(0);
+}
+
+}  // namespace
+
+std::vector<double> TimeTabImport(int lines, int runs, double* growthMegabytes) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("titles.txt");
+    WriteFile(path, TabFile(lines));
+    SetMsgBoxResponder(
+        [](const MsgBoxCall& call) -> int { throw VbError(0, "unexpected box: " + call.prompt); });
+    SetFileChooser([&path](const FileDialogCall&) {
+        FileDialogAnswer answer;
+        answer.filename = path;
+        answer.filenames = {path};
+        return answer;
+    });
+    std::vector<double> times;
+    *growthMegabytes = 0;
+    for (int run = 0; run < runs; ++run) {
+        QTemporaryDir folder;
+        InstallCatalogue(folder.path());
+        frmImport window;
+        window.Form_Load();
+        window.ShowSummary = false;
+        const long before = ResidentKilobytes();
+        QElapsedTimer timer;
+        timer.start();
+        window.ImportTabFile();
+        times.push_back(Milliseconds(timer));
+        *growthMegabytes = std::max(*growthMegabytes, (ResidentKilobytes() - before) / 1024.0);
+        if (window.TabTried != lines || window.TabFailed != 0)
+            throw VbError(0, QString("%1 of %2 lines failed").arg(window.TabFailed).arg(lines));
+        CloseCatalogue();
+    }
+    SetFileChooser({});
+    SetMsgBoxResponder({});
+    return times;
+}
+
+std::vector<double> TimeCdPlayerIniImport(int sections, int runs) {
+    QTemporaryDir prefix;
+    qputenv("WINEPREFIX", prefix.path().toLocal8Bit());
+    const QString windows = prefix.path() + "/drive_c/windows";
+    QDir().mkpath(windows);
+    WriteFile(windows + "/cdplayer.ini", CdPlayerIni(sections));
+    std::vector<double> times;
+    for (int run = 0; run < runs; ++run) {
+        QTemporaryDir folder;
+        InstallCatalogue(folder.path());
+        frmImport window;
+        window.Form_Load();
+        ChooseDefaults(window);
+        QElapsedTimer timer;
+        timer.start();
+        window.ImportCdPlayerIni();
+        times.push_back(Milliseconds(timer));
+        if (window.IniTried != sections || window.IniDuplicates != 0)
+            throw VbError(
+                0, QString("%1 of %2 sections failed").arg(window.IniDuplicates).arg(sections));
+        CloseCatalogue();
+    }
+    qunsetenv("WINEPREFIX");
+    return times;
+}

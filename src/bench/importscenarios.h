@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QString>
+#include <vector>
+
+// Import timings on a fresh catalogue per run: a TAB file of the given number of lines (twelve
+// tracks each, lookups that repeat) and a cdplayer.ini of the given number of sections. The
+// TAB scenario also reports how much the process grew.
+std::vector<double> TimeTabImport(int lines, int runs, double* growthMegabytes);
+std::vector<double> TimeCdPlayerIniImport(int sections, int runs);

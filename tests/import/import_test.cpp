@@ -1,0 +1,237 @@
+#include <QFile>
+
+#include "import/frmImport.h"
+#include "store/catalogue.h"
+#include "support/testsupport.h"
+
+namespace {
+
+void WriteFile(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+QVariant Scalar(const QString& sql) {
+    auto rs = gDatabase->OpenRecordset(sql);
+    return rs->IsEOF() ? QVariant() : rs->Fields(0).Value();
+}
+
+long Count(const QString& where) {
+    return Scalar("select count(*) from " + where).toLongLong();
+}
+
+QString Fixture(const QString& name) {
+    return QStringLiteral(VELMORA_FIXTURES_DIR) + "/deluxe/" + name;
+}
+
+// The window as the user leaves it: Rock and its first specific item as defaults.
+void ChooseDefaults(frmImport& window) {
+    window.cmbDefType->setCurrentIndex(window.cmbDefType->findText("Rock"));
+    window.cmbDefType_Click();
+    window.cmbDefSpecific->setCurrentIndex(0);
+}
+
+}  // namespace
+
+class ImportTest : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<TempProgramFolder> folder;
+    std::unique_ptr<QTemporaryDir> prefix;
+
+  private slots:
+    void init() {
+        prefix = std::make_unique<QTemporaryDir>();
+        qputenv("WINEPREFIX", prefix->path().toLocal8Bit());
+        folder = std::make_unique<TempProgramFolder>();
+        folder->openCatalogue();
+    }
+    void cleanup() {
+        folder.reset();
+        qunsetenv("WINEPREFIX");
+    }
+
+    void tabLinesMakeTheirLookupsAndTitles() {
+        ScriptedDialogs dialogs;
+        const QString path = folder->file("titles.txt");
+        WriteFile(
+            path,
+            "PC\tGames\tAction\tId Software\tDoom\tCD-ROM\tlabel\t5\tREADME<NEWLINE>"
+            "DOOM.EXE\t\t0\tA memo\t\t2\r\n"
+            "   \r\n\r\n"
+            "Audio\tRock\tAlbum\tO'Brien\tIt's\tCD-R\t\t\t\t1234\t2\t\tOne<NEWLINE>Two\t\r\n"
+            "Audio\tRock\tAlbum\tO'Brien\tThirteen\tCD-R\t\t\t\t\t0\t\t\n"
+            "Audio\tRock\tAlbum\tO'Brien\tShort\tCD-R\t\t\t\t\t3\t\tOne<NEWLINE>Two\t1\n"
+            "Audio\tRock\tAlbum\tO'Brien\tNaN\tCD-R\t\tfive\t\t\t0\t\t\t1\n"
+            "Audio\tRock\tAlbum\tO'Brien\tSame id\tCD-R\t\t\t\t1234\t0\t\t\t1\n"
+            "Audio\tRock\tAlbum\tCaf\xc3\xa9 \xe2\x80\x99\tBj\xc3\xb6rk\tCD-R\t\t\t\t\t0\t\t\t1\n");
+        frmImport window;
+        window.Form_Load();
+        window.WarnTitles = true;
+        dialogs.answerFile(path);
+        window.ImportTabFile();
+        QCOMPARE(dialogs.fileDialogs.size(), 1);
+        QCOMPARE(dialogs.fileDialogs[0].title,
+                 QString("Select a TAB delimited file to import cd-titles from"));
+        QCOMPARE(dialogs.fileDialogs[0].flags, 6148L);
+        QCOMPARE(window.TabTried, 7);
+        QCOMPARE(window.TabFailed, 4);
+        QCOMPARE(dialogs.msgBoxes.last().prompt,
+                 QString("Tried to import 7 title(s) from TAB delimited file\r\nOf those 4 went "
+                         "wrong."));
+        QCOMPARE(dialogs.msgBoxes[0].title, QString("Error adding title Thirteen"));
+        QVERIFY(dialogs.msgBoxes[0].prompt.startsWith("Error 9: "));
+        QCOMPARE(dialogs.msgBoxes[0].flags, 16);
+
+        QCOMPARE(Scalar("select nmcd from title where TitleID = 1234").toString(), QString("It's"));
+        QCOMPARE(Count("vendor where nmvendor = 'O''Brien' and idplatform = 1"), 1L);
+        QCOMPARE(Count("Tracks, title where Tracks.idcd = title.idcd and nmcd = 'It''s'"), 2L);
+        QCOMPARE(Scalar("select listing from title where nmcd = 'Doom'").toString(),
+                 QString("README\r\nDOOM.EXE"));
+        QCOMPARE(Scalar("select label from title where nmcd = 'Doom'").toString(),
+                 QString("label"));
+        QCOMPARE(Scalar("select nrcds from title where nmcd = 'Doom'").toInt(), 2);
+        QCOMPARE(Scalar("select memo from title where nmcd = 'It''s'").toString(),
+                 QString(QChar(0)));
+        QVERIFY(Scalar("select TitleID from title where nmcd = 'Doom'").isNull());
+        QCOMPARE(Scalar("select nmvendor from vendor, title where vendor.idvendor = "
+                        "title.idvendor and nmcd = 'Bj\u00f6rk'")
+                     .toString(),
+                 QString("Caf\u00e9 \u2019"));
+        // The half-written title went, and the store took its track rows with it.
+        QCOMPARE(Count("title where nmcd in ('Short', 'Thirteen', 'NaN', 'Same id')"), 0L);
+        QCOMPARE(Count("Tracks where idcd not in (select idcd from title)"), 0L);
+        QVERIFY(!gDatabase->InTransaction());
+    }
+
+    void cdplayerIniSectionsBecomeAudioTitles() {
+        ScriptedDialogs dialogs;
+        QVERIFY(QDir().mkpath(prefix->path() + "/drive_c/windows"));
+        const QString ini = prefix->path() + "/drive_c/windows/cdplayer.ini";
+        WriteFile(ini,
+                  "[CDDB]\r\nversion=1\r\n[1A2B]\r\nartist=Caf\xe9 Band\r\ntitle=First\r\n"
+                  "numtracks=3\r\n1=Named\r\n[FFFFFFFF]\r\nartist=Caf\xe9 Band\r\ntitle=Minus\r\n"
+                  "numtracks=1\r\n0=Only\r\n[77]\r\ntitle=No count\r\n[1a2b]\r\ntitle=Twice\r\n"
+                  "numtracks=1\r\n");
+        frmImport window;
+        window.Form_Load();
+        QVERIFY(window.Check1[0]->isEnabled());
+        QVERIFY(!window.Check1[1]->isEnabled());
+        ChooseDefaults(window);
+        window.WarnTitles = true;
+        window.ImportCdPlayerIni();
+        QCOMPARE(window.IniTried, 4);
+        QCOMPARE(window.IniDuplicates, 2);
+        QCOMPARE(dialogs.msgBoxes.size(), 2);
+        QCOMPARE(dialogs.msgBoxes[0].prompt,
+                 QString("The cd with title 'No count' cannot be added and will be skipped.\r\r"
+                         "Most likely reason is that it allready existed in Velmora's Database."));
+        QCOMPARE(dialogs.msgBoxes[0].title, QString("Importing from Windows Default CD-player"));
+        QStringList tracks;
+        auto rs = gDatabase->OpenRecordset(
+            "select TrackName from Tracks, title where Tracks.idcd = title.idcd and TitleID = "
+            "6699 order by TrackID");
+        for (; !rs->IsEOF(); rs->MoveNext()) tracks << rs->Fields(0).Value().toString();
+        QCOMPARE(tracks, QStringList({"Track 1", "Named", "Track 3"}));
+        QCOMPARE(Scalar("select nmcd from title where TitleID = -1").toString(), QString("Minus"));
+        QCOMPARE(Count("vendor where nmvendor = 'Caf\u00e9 Band'"), 1L);
+
+        // Again with overwriting: every title renewed, created kept, nothing refused but the
+        // section without a count, which stops the import.
+        gDatabase->Execute("update title set created = '2001-01-01', nmcd = 'Old'");
+        frmImport again;
+        again.Form_Load();
+        ChooseDefaults(again);
+        again.OverwriteTitles = true;
+        again.ImportCdPlayerIni();
+        QCOMPARE(Scalar("select nmcd from title where TitleID = 6699").toString(),
+                 QString("First"));
+        QCOMPARE(Scalar("select created from title where TitleID = 6699").toString(),
+                 QString("2001-01-01"));
+        QCOMPARE(again.IniDuplicates, 0);
+        QVERIFY(dialogs.msgBoxes.last().prompt.contains(ini));
+
+        // More than 1000 discs: a box that names the file, nothing written.
+        QByteArray many;
+        for (int i = 0; i < 1001; ++i) many += "[" + QByteArray::number(i + 0x10000, 16) + "]\n";
+        WriteFile(ini, many);
+        const long before = Count("title");
+        frmImport full;
+        full.Form_Load();
+        ChooseDefaults(full);
+        full.ImportCdPlayerIni();
+        QCOMPARE(Count("title"), before);
+        QVERIFY(dialogs.msgBoxes.last().prompt.contains("more than 1000"));
+    }
+
+    void deluxeDatabaseIsFoundAndRead() {
+        ScriptedDialogs dialogs;
+        QVERIFY(QDir().mkpath(prefix->path() + "/drive_c/Program Files/Plus!"));
+        QVERIFY(QFile::copy(Fixture("cd_pk.mdb"),
+                            prefix->path() + "/drive_c/Program Files/Plus!/DeluxeCD.mdb"));
+        WriteFile(prefix->path() + "/user.reg",
+                  "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
+                  "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
+        frmImport window;
+        window.Form_Load();
+        QVERIFY(window.Check1[1]->isEnabled());
+        QCOMPARE(window.DeluxePath, prefix->path() + "/drive_c/Program Files/Plus!/DeluxeCD.mdb");
+        ChooseDefaults(window);
+        window.ImportDeluxeDatabase();
+        QCOMPARE(window.DeluxeTried, 4);
+        QCOMPARE(window.DeluxeDuplicates, 0);
+        QCOMPARE(Count("title where idplatform = 1 and TitleID in (1001, 1002, -5, 2147483647)"),
+                 4L);
+        QCOMPARE(Count("Tracks, title where Tracks.idcd = title.idcd and TitleID = 1001"), 3L);
+        QCOMPARE(Scalar("select TrackName from Tracks, title where Tracks.idcd = title.idcd and "
+                        "TitleID = 1002 and TrackID = 1")
+                     .toString(),
+                 QString("J\u00f3ga"));
+
+        // A second run refuses every title and skips its track rows by NumTracks.
+        const long tracks = Count("Tracks");
+        frmImport again;
+        again.Form_Load();
+        ChooseDefaults(again);
+        again.ImportDeluxeDatabase();
+        QCOMPARE(again.DeluxeTried, 4);
+        QCOMPARE(again.DeluxeDuplicates, 4);
+        QCOMPARE(Count("Tracks"), tracks);
+
+        // A file that is no database gets the design's box.
+        WriteFile(folder->file("broken.mdb"), "garbage");
+        again.DeluxePath = folder->file("broken.mdb");
+        again.ImportDeluxeDatabase();
+        QVERIFY(dialogs.msgBoxes.last().prompt.startsWith(
+            "There was a problem loading de database of the Deluxe CD-Player."));
+    }
+
+    void theWindowChecksBeforeItImports() {
+        ScriptedDialogs dialogs;
+        frmImport window;
+        window.Form_Load();
+        QVERIFY(!window.Check1[0]->isEnabled() && !window.Check1[0]->isChecked());
+        QVERIFY(!window.Check1[1]->isEnabled() && !window.Check1[1]->isChecked());
+        QCOMPARE(window.windowTitle(), QString("Import titles into Velmora's Database"));
+        // Until a type is chosen, the specific items of all audio types less each first row.
+        QCOMPARE(window.cmbDefType->count(), 6);
+        QCOMPARE(window.cmbDefSpecific->count(), 15 - 6);
+        window.Check1[2]->setChecked(false);
+        window.cmdOK_Click();
+        QCOMPARE(dialogs.msgBoxes.last().title, QString("Select a program"));
+
+        window.Check2[0]->click();
+        QVERIFY(window.OverwriteTitles);
+        QVERIFY(!window.Check2[1]->isEnabled());
+
+        // The TAB file alone needs no defaults; a cancelled dialog imports nothing.
+        window.Check1[2]->setChecked(true);
+        window.cmdOK_Click();
+        QCOMPARE(dialogs.fileDialogs.size(), 1);
+        QCOMPARE(window.result(), int(QDialog::Accepted));
+    }
+};
+
+VELMORA_TEST_MAIN(ImportTest)
+#include "import_test.moc"
