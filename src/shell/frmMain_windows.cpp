@@ -2,6 +2,7 @@
 // here, so that the busy flag and the mode flags around them stay with the commands.
 
 #include "editor/frmEdit.h"
+#include "lookups/frmDatabase.h"
 #include "search/frmFind.h"
 #include "shell/frmMain.h"
 
@@ -13,7 +14,9 @@ void frmMain::ShowSearch() {
     ShowFindWindow();
 }
 
-void frmMain::ShowDatabaseWindow() {}
+void frmMain::ShowDatabaseWindow() {
+    ShowDatabaseForm();
+}
 
 void frmMain::ShowImportWindow() {}
 
