@@ -98,13 +98,13 @@ class CoolMenuTest : public QObject {
         QTest::mouseMove(menu, menu->actionGeometry(form->mnuDeleteCD).center());
         QTRY_COMPARE(form->PanelText(1), QString("Delete the CD-title"));
         QTest::keyClick(menu, Qt::Key_Down);
-        QTest::keyClick(menu, Qt::Key_Down);
         QTRY_COMPARE(form->PanelText(1), QString("Search for CD"));
         // The menu is drawn by the program: the selection bar lies under the selected item.
         const QImage drawn = menu->grab().toImage();
         const QRect selected = menu->actionGeometry(form->mnuSearchCD1);
-        QCOMPARE(drawn.pixelColor(selected.right() - 3, selected.center().y()),
-                 menu->palette().color(QPalette::Highlight));
+        const QColor bar = drawn.pixelColor(selected.right() - 3, selected.center().y());
+        QVERIFY(bar == menu->palette().color(QPalette::Active, QPalette::Highlight) ||
+                bar == menu->palette().color(QPalette::Inactive, QPalette::Highlight));
         // An accelerator picks its item.
         QSignalSpy picked(form->mnuDeleteCD, &QAction::triggered);
         QTest::keyClick(menu, Qt::Key_D);
