@@ -365,6 +365,51 @@ void Power(QPainter& p) {
     p.drawLine(QPointF(12, 5), QPointF(12, 11.5));
 }
 
+// ---- Maintenance buttons and menu pictures, 16 x 16 ----
+
+// A list card with three rows, the thing the maintenance window's buttons change.
+void ListCard(QPainter& p) {
+    p.setPen(Edge(colour::beigeEdge));
+    p.setBrush(colour::cream);
+    p.drawRoundedRect(QRectF(1.5, 1.5, 10, 12), 1, 1);
+    p.setPen(Edge(colour::steel, 1.1));
+    for (const qreal y : {4.5, 7.5, 10.5}) p.drawLine(QPointF(3.5, y), QPointF(9.5, y));
+}
+
+// The 24-unit badges and marks, brought down to the 16-unit grid.
+Painting Small(const Painting& painting) {
+    return [painting](QPainter& p) {
+        p.save();
+        p.scale(16.0 / 24.0, 16.0 / 24.0);
+        painting(p);
+        p.restore();
+    };
+}
+
+void AddBadge(QPainter& p) {
+    Badge(p, colour::green);
+    Plus(p);
+}
+
+void DeleteBadge(QPainter& p) {
+    Badge(p, colour::red);
+    Cross(p);
+}
+
+void HideBadge(QPainter& p) {
+    Badge(p, colour::steel);
+    p.drawLine(QPointF(14.5, 17.5), QPointF(20.5, 17.5));
+}
+
+void PropertiesCard(QPainter& p) {
+    ListCard(p);
+    p.setPen(Edge(colour::blue, 1.6));
+    p.drawLine(QPointF(12.5, 8.5), QPointF(12.5, 14.5));
+    p.setPen(Qt::NoPen);
+    p.setBrush(colour::blue);
+    p.drawEllipse(QPointF(12.5, 5.8), 1.1, 1.1);
+}
+
 // ---- Application icon (48 units) and splash ----
 
 void AppPicture(QPainter& p) {
@@ -461,6 +506,29 @@ int main(int argc, char** argv) {
     };
     for (const auto& [key, painting] : toolbar)
         Save(Paint(24, 24, painting), out + "/toolbar/" + key + ".png");
+
+    const QList<QPair<QString, Painting>> maintenance = {
+        {"add", Both(ListCard, Small(AddBadge))},
+        {"rename", Both(ListCard, Small(Pencil))},
+        {"delete", Both(ListCard, Small(DeleteBadge))},
+    };
+    for (const auto& [key, painting] : maintenance)
+        Save(Paint(16, 16, painting), out + "/database/" + key + ".png");
+
+    const QList<QPair<QString, Painting>> menu = {
+        {"viewproperties", PropertiesCard},
+        {"newcd", Small(toolbar[0].second)},
+        {"renamecd", Small(toolbar[1].second)},
+        {"deletecd", Small(toolbar[2].second)},
+        {"searchcd", Small(toolbar[4].second)},
+        {"maintenance", Small(Cylinder)},
+        {"newfolder", Both(ClosedFolder, Small(AddBadge))},
+        {"renamefolder", Both(ClosedFolder, Small(Pencil))},
+        {"deletefolder", Both(ClosedFolder, Small(DeleteBadge))},
+        {"hidefolder", Both(ClosedFolder, Small(HideBadge))},
+    };
+    for (const auto& [key, painting] : menu)
+        Save(Paint(16, 16, painting), out + "/menu/" + key + ".png");
 
     Save(Paint(48, 48, AppPicture), out + "/app/48/velmora.png");
     Save(Paint(256, 256, Scaled(256.0 / 48.0, AppPicture)), out + "/app/256/velmora.png");

@@ -2,7 +2,6 @@
 
 #include <QCloseEvent>
 #include <QGuiApplication>
-#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QScreen>
 
@@ -18,6 +17,7 @@
 #include "store/guardedfile.h"
 #include "store/jettextcolumns.h"
 #include "store/widentextcolumn.h"
+#include "toolkit/cVSplitter.h"
 #include "toolkit/imagelists.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
@@ -50,6 +50,9 @@ void frmMain::BuildWindow() {
 
     Toolbar1->setObjectName("Toolbar1");
     Toolbar1->setMovable(false);
+    // The bar keeps the height of its buttons (picture above caption) from the start, since
+    // the panes are placed below it before it is filled.
+    Toolbar1->setFixedHeight(24 + Toolbar1->fontMetrics().height() + 16);
     addToolBar(Toolbar1);
 
     TV1->setObjectName("TV1");
@@ -58,17 +61,8 @@ void frmMain::BuildWindow() {
     ListView1->setRootIsDecorated(false);
     Frame1->setObjectName("Frame1");
     Frame1->setFrameShape(QFrame::NoFrame);
-    Frame1->setFixedWidth(4);
-    Frame1->setCursor(Qt::SplitHCursor);
-
-    auto* central = new QWidget(this);
-    auto* layout = new QHBoxLayout(central);
-    layout->setContentsMargins(2, 2, 2, 2);
-    layout->setSpacing(0);
-    layout->addWidget(TV1, 1);
-    layout->addWidget(Frame1);
-    layout->addWidget(ListView1, 3);
-    setCentralWidget(central);
+    // The divider's first place; the splitter takes the panes from here.
+    Frame1->setGeometry(220, 0, 4, 100);
 
     StatusBar1->setObjectName("StatusBar1");
     setStatusBar(StatusBar1);
@@ -146,6 +140,14 @@ void frmMain::Form_Load() {
     if (FindPreviousInstance()) return;
 
     SetSplashStatus("Initializing popup-menus");
+    InstallCoolMenus();
+
+    splitter_ = std::make_unique<cVSplitter>();
+    if (splitter_->SetControls(this, TV1, ListView1, Frame1)) {
+        splitter_->SetTrackSplit(true);
+        splitter_->SetTop(Toolbar1->height() + 12);
+        splitter_->SetHeightOffset(StatusBar1->sizeHint().height());
+    }
 
     SetSplashStatus("Initializing button-bar");
     InitializeToolbar();

@@ -9,8 +9,11 @@
 #include <QTreeView>
 #include <QTreeWidget>
 #include <functional>
+#include <memory>
 
+class HelpCallBack;
 class SingleInstance;
+class cVSplitter;
 class StatusPanel;
 class TitleListModel;
 class VbError;
@@ -110,6 +113,8 @@ class frmMain : public QMainWindow {
     QTreeView* ListView1;
     QFrame* Frame1;
     QStatusBar* StatusBar1;
+    // The divider between tree and list, once the start-up has installed it.
+    cVSplitter* Splitter() const { return splitter_.get(); }
     // The tree's selection delay: keyboard moves read only the node the user rests on.
     QTimer* tmrWait;
 
@@ -218,9 +223,12 @@ class frmMain : public QMainWindow {
     void SelectFirstNode();
 
     void BuildContextMenus();
+    // The owner-drawn menus, with their help texts in the status bar's first panel.
+    void InstallCoolMenus();
     void InstallCommandEvents();
-    QAction* AddMenuItem(QMenu* menu, const QString& name, const QString& help,
-                         const QString& caption, void (frmMain::*command)());
+    // caption is a design caption: "|help|&Caption", or "-" for a separator.
+    QAction* AddMenuItem(QMenu* menu, const QString& name, const QString& caption,
+                         void (frmMain::*command)() = nullptr);
     // The folder commands' target: the node under the right click, else the selected one.
     QTreeWidgetItem* FolderCommandTarget() const;
     void EnableFolderItems(QTreeWidgetItem* node);
@@ -249,6 +257,8 @@ class frmMain : public QMainWindow {
     // Selections made by the program itself are no user events.
     bool selectingListItem_ = false;
     bool bUpdating_ = false;
+    HelpCallBack* menuHelp_ = nullptr;
+    std::unique_ptr<cVSplitter> splitter_;
 };
 
 // The one main window of the run, or null once it has been unloaded.

@@ -10,6 +10,7 @@
 #include "store/catalogue.h"
 #include "store/frmPerformAction.h"
 #include "store/guardedfile.h"
+#include "toolkit/mCoolMenu.h"
 #include "toolkit/mRegistry.h"
 #include "toolkit/vbruntime.h"
 
@@ -82,6 +83,7 @@ void frmMain::Form_Unload() {
     }
 
     if (gSplashForm) gSplashForm->Unload();
+    UnSubClassMenu(this);
     gMainForm = nullptr;
     emit Unloaded();
     deleteLater();

@@ -8,6 +8,9 @@
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
+#include "toolkit/WndCoolMenu.h"
+#include "toolkit/imagelists.h"
+#include "toolkit/mCoolMenu.h"
 #include "toolkit/vbruntime.h"
 
 namespace {
@@ -27,43 +30,45 @@ void frmMain::BuildContextMenus() {
     mnuListviewContext = new QMenu("Invisible Listview contextmenu", this);
     mnuListviewContext->setObjectName("mnuListviewContext");
     QMenu* list = mnuListviewContext;
-    mnuViewProperties = AddMenuItem(list, "mnuViewProperties", "View properties",
-                                    "&View properties", &frmMain::mnuViewProperties_Click);
-    mnuSeperator1 = list->addSeparator();
-    mnuNewCD = AddMenuItem(list, "mnuNewCD", "Add a new CD-title", "&New CD-title",
+    mnuViewProperties = AddMenuItem(list, "mnuViewProperties", "|View properties|&View properties",
+                                    &frmMain::mnuViewProperties_Click);
+    mnuSeperator1 = AddMenuItem(list, "mnuSeperator1", "-");
+    mnuNewCD = AddMenuItem(list, "mnuNewCD", "|Add a new CD-title|&New CD-title",
                            &frmMain::mnuNewCD_Click);
-    mnuRenameCD = AddMenuItem(list, "mnuRenameCD", "Rename the CD-title", "Re&name",
+    mnuRenameCD = AddMenuItem(list, "mnuRenameCD", "|Rename the CD-title|Re&name",
                               &frmMain::mnuRenameCD_Click);
-    mnuDeleteCD = AddMenuItem(list, "mnuDeleteCD", "Delete the CD-title", "&Delete",
+    mnuDeleteCD = AddMenuItem(list, "mnuDeleteCD", "|Delete the CD-title|&Delete",
                               &frmMain::mnuDeleteCD_Click);
-    mnuSeperator2 = list->addSeparator();
+    mnuSeperator2 = AddMenuItem(list, "mnuSeperator2", "-");
     mnuSearchCD1 =
-        AddMenuItem(list, "mnuSearchCD1", "Search for CD", "&Search", &frmMain::mnuSearchCD1_Click);
-    mnuSeperator3 = list->addSeparator();
-    mnuListviewMaintenance = AddMenuItem(list, "mnuListviewMaintenance", "Maintenance",
-                                         "&Maintenance", &frmMain::mnuListviewMaintenance_Click);
+        AddMenuItem(list, "mnuSearchCD1", "|Search for CD|&Search", &frmMain::mnuSearchCD1_Click);
+    mnuSeperator3 = AddMenuItem(list, "mnuSeperator3", "-");
+    mnuListviewMaintenance =
+        AddMenuItem(list, "mnuListviewMaintenance", "|Maintenance|&Maintenance",
+                    &frmMain::mnuListviewMaintenance_Click);
 
     mnuTreeviewContext = new QMenu("Invisible Treeview Contextmenu", this);
     mnuTreeviewContext->setObjectName("mnuTreeviewContext");
     QMenu* tree = mnuTreeviewContext;
     mnuReadRecordsFromFolder =
-        AddMenuItem(tree, "mnuReadRecordsFromFolder", "Read records from folder", "&Open",
+        AddMenuItem(tree, "mnuReadRecordsFromFolder", "|Read records from folder|&Open",
                     &frmMain::mnuReadRecordsFromFolder_Click);
-    mnuSeperator4 = tree->addSeparator();
-    mnuAddFolder = AddMenuItem(tree, "mnuAddFolder", "Add a new folder", "&New folder",
+    mnuSeperator4 = AddMenuItem(tree, "mnuSeperator4", "-");
+    mnuAddFolder = AddMenuItem(tree, "mnuAddFolder", "|Add a new folder|&New folder",
                                &frmMain::mnuAddFolder_Click);
-    mnuRenameFolder = AddMenuItem(tree, "mnuRenameFolder", "Rename a folder", "Re&name",
+    mnuRenameFolder = AddMenuItem(tree, "mnuRenameFolder", "|Rename a folder|Re&name",
                                   &frmMain::mnuRenameFolder_Click);
-    mnuDeleteFolder = AddMenuItem(tree, "mnuDeleteFolder", "Delete a folder", "&Delete",
+    mnuDeleteFolder = AddMenuItem(tree, "mnuDeleteFolder", "|Delete a folder|&Delete",
                                   &frmMain::mnuDeleteFolder_Click);
     mnuHideFolder =
-        AddMenuItem(tree, "mnuHideFolder", "Hide a folder", "&Hide", &frmMain::mnuHideFolder_Click);
-    mnuSeperator5 = tree->addSeparator();
+        AddMenuItem(tree, "mnuHideFolder", "|Hide a folder|&Hide", &frmMain::mnuHideFolder_Click);
+    mnuSeperator5 = AddMenuItem(tree, "mnuSeperator5", "-");
     mnuSearchCD2 =
-        AddMenuItem(tree, "mnuSearchCD2", "Search for CD", "&Search", &frmMain::mnuSearchCD2_Click);
-    mnuSeperator6 = tree->addSeparator();
-    mnuTreeviewMaintenance = AddMenuItem(tree, "mnuTreeviewMaintenance", "Maintenance",
-                                         "&Maintenance", &frmMain::mnuTreeviewMaintenance_Click);
+        AddMenuItem(tree, "mnuSearchCD2", "|Search for CD|&Search", &frmMain::mnuSearchCD2_Click);
+    mnuSeperator6 = AddMenuItem(tree, "mnuSeperator6", "-");
+    mnuTreeviewMaintenance =
+        AddMenuItem(tree, "mnuTreeviewMaintenance", "|Maintenance|&Maintenance",
+                    &frmMain::mnuTreeviewMaintenance_Click);
 
     // The views' menus are ours alone; without this a right click would reach the main
     // window's own menu of bars.
@@ -90,13 +95,21 @@ void frmMain::BuildContextMenus() {
     });
 }
 
-QAction* frmMain::AddMenuItem(QMenu* menu, const QString& name, const QString& help,
-                              const QString& caption, void (frmMain::*command)()) {
+QAction* frmMain::AddMenuItem(QMenu* menu, const QString& name, const QString& caption,
+                              void (frmMain::*command)()) {
     QAction* item = menu->addAction(caption);
     item->setObjectName(name);
-    item->setStatusTip(help);
-    connect(item, &QAction::triggered, this, [this, command] { (this->*command)(); });
+    if (command) connect(item, &QAction::triggered, this, [this, command] { (this->*command)(); });
     return item;
+}
+
+void frmMain::InstallCoolMenus() {
+    menuHelp_ = new HelpCallBack(this);
+    connect(menuHelp_, &HelpCallBack::MenuHelp, this,
+            [this](const QString& help, const QString&, bool menuOpen) {
+                SetPanelText(1, menuOpen ? help : QString());
+            });
+    SubClassMenu(this, Imagelist16Images(), menuHelp_);
 }
 
 void frmMain::PopupMenu(QMenu* menu) {

@@ -3,6 +3,7 @@
 
 #include "editor/frmEdit.h"
 #include "import/frmImport.h"
+#include "lookups/frmDatabase.h"
 #include "search/frmFind.h"
 #include "shell/frmMain.h"
 #include "store/guardedfile.h"
@@ -28,7 +29,9 @@ void frmMain::ShowHelp() {
            vbInformation);
 }
 
-void frmMain::ShowDatabaseWindow() {}
+void frmMain::ShowDatabaseWindow() {
+    ShowDatabaseForm();
+}
 
 void frmMain::ShowImportWindow() {
     ::ShowImportWindow();
