@@ -239,7 +239,7 @@ IndexNode ReadIndexNode(PageFile& file, uint32_t page) {
     const int prefixLength = ReadU16(bytes, kPrefixLengthOffset);
     int start = kEntriesOffset;
     QByteArray prefix;
-    for (int bit = 0; bit < kEntrySpace; ++bit) {
+    for (int bit = 0; bit <= kEntrySpace; ++bit) {
         if (bit % 8 == 0 && bytes[kBitmapOffset + bit / 8] == 0) {
             bit += 7;
             continue;
