@@ -255,6 +255,10 @@ IndexNode ReadIndexNode(PageFile& file, uint32_t page) {
         } else {
             entry.prepend(prefix);
         }
+        const int pointers =
+            type == kLeafIndexPage ? kRowPointerSize : kRowPointerSize + kChildPointerSize;
+        if (entry.size() <= pointers)
+            throw WriteError(kErrorCorrupt, QStringLiteral("Index page %1 is damaged.").arg(page));
         node.entries.push_back(entry);
         start = end;
     }

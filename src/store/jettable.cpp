@@ -332,6 +332,7 @@ std::vector<QVariant> DecodeRow(const TableDefinition& table, const QByteArray& 
         }
         if (column.varIndex >= varCount) continue;
         const int tableAt = maskAt - 2 - 2 * (column.varIndex + 1);
+        if (tableAt - 2 < 2) continue;
         const int start = ReadU16(row, tableAt);
         const int end = ReadU16(row, tableAt - 2);
         if (start > end || end > row.size()) continue;

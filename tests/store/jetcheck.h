@@ -6,6 +6,7 @@
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <set>
 
 #include "store/jetindex.h"
 #include "store/jetwriter.h"
@@ -110,4 +111,36 @@ inline QString CheckIndex(const QString& path, const QString& tableName, const j
         page = leaf.Next();
     }
     return {};
+}
+
+// The pages of the original file that changed although they belong to none of the tables
+// written (their definition, usage maps, data and index pages). Empty when there are none.
+inline QString StrayChanges(const QByteArray& before, const QString& path,
+                            const QStringList& tables) {
+    const QByteArray after = FileBytes(path);
+    std::set<uint32_t> tablePages;
+    std::set<uint32_t> mapPages;
+    {
+        jet::Writer writer(path);
+        for (const QString& name : tables) {
+            const jet::TableDefinition& table = writer.Table(name);
+            tablePages.insert(table.page);
+            mapPages.insert({table.ownedPagesMap >> 8, table.freePagesMap >> 8});
+            for (const jet::Index& index : table.indexes)
+                mapPages.insert(index.usageMapPointer >> 8);
+        }
+    }
+    QStringList stray;
+    for (int page = 0; page * jet::kPageSize < before.size(); ++page) {
+        const QByteArray old = before.mid(page * jet::kPageSize, jet::kPageSize);
+        const QByteArray now = after.mid(page * jet::kPageSize, jet::kPageSize);
+        if (old == now || tablePages.count(page) || mapPages.count(page)) continue;
+        const uint8_t type = uint8_t(old[0]);
+        const uint32_t owner = jet::ReadU32(old, 4);
+        const bool tablesOwn = (type == jet::kDataPage || type == jet::kLeafIndexPage ||
+                                type == jet::kIntermediateIndexPage) &&
+                               tablePages.count(owner);
+        if (!tablesOwn) stray << QString::number(page);
+    }
+    return stray.join(' ');
 }

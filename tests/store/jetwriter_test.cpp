@@ -50,6 +50,7 @@ class JetWriterTest : public QObject {
         for (const QString fixture : {"cd_pk.mdb", "cd_noidx.mdb", "cd_empty.mdb"}) {
             QTemporaryDir folder;
             const QString path = CopyFixture(folder, fixture);
+            const QByteArray before = FileBytes(path);
             QStringList titles = ExportedRows(path, "Titles");
             QStringList tracks = ExportedRows(path, "Tracks");
             std::set<qint64> used = {1001, 1002, -5, 2147483647};
@@ -85,6 +86,7 @@ class JetWriterTest : public QObject {
             QCOMPARE(CountedRows(path, "Titles"), long(titles.size()));
             QCOMPARE(CountedRows(path, "Tracks"), long(tracks.size()));
             VerifyIndexes(path, "Titles");
+            QCOMPARE(StrayChanges(before, path, {"Titles", "Tracks"}), QString());
         }
     }
 
@@ -93,6 +95,7 @@ class JetWriterTest : public QObject {
     void appendsToAccessFilesKeepTheirIndexes() {
         QTemporaryDir folder;
         const QString compound = CopyFixture(folder, "compIndexTestV2000.mdb");
+        const QByteArray compoundBefore = FileBytes(compound);
         VerifyIndexes(compound, "Table1");
         QStringList agents = ExportedRows(compound, "Table1");
         {
@@ -107,6 +110,7 @@ class JetWriterTest : public QObject {
         agents.sort();
         QCOMPARE(ExportedRows(compound, "Table1"), agents);
         VerifyIndexes(compound, "Table1");
+        QCOMPARE(StrayChanges(compoundBefore, compound, {"Table1"}), QString());
 
         const QString indexed = CopyFixture(folder, "indexTestV2000.mdb");
         QStringList rows = ExportedRows(indexed, "Table1");
