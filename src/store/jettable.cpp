@@ -12,7 +12,7 @@ namespace jet {
 namespace {
 
 constexpr int kTableHeaderSize = 63;
-constexpr int kRealIndexEntrySize = 12;
+constexpr int kRealIndexEntrySize = kIndexRowCountStride;
 constexpr int kColumnEntrySize = 25;
 constexpr int kRealIndexSize = 52;
 constexpr int kLogicalIndexSize = 28;

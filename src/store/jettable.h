@@ -81,6 +81,9 @@ struct TableDefinition {
 // Offsets in the first page of a table definition.
 constexpr int kTableRowCountOffset = 16;
 constexpr int kTableAutoNumberOffset = 20;
+// Each physical index counts its rows in the block after the header.
+constexpr int kIndexRowCountOffset = 67;
+constexpr int kIndexRowCountStride = 12;
 
 // The bytes of a row with these values (one per column, an invalid QVariant for Null). Refuses
 // values the column cannot take, and long values, which the writer does not store.

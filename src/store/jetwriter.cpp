@@ -141,6 +141,10 @@ RowLocation Writer::AppendRow(const QString& tableName, std::vector<QVariant> va
         QByteArray& tableHeader = file_->Page(definition.page);
         WriteU32(tableHeader, kTableRowCountOffset, ReadU32(tableHeader, kTableRowCountOffset) + 1);
         if (usesAutoNumber) WriteU32(tableHeader, kTableAutoNumberOffset, autoNumber);
+        for (size_t i = 0; i < definition.indexes.size(); ++i) {
+            const int at = kIndexRowCountOffset + int(i) * kIndexRowCountStride;
+            WriteU32(tableHeader, at, ReadU32(tableHeader, at) + 1);
+        }
         file_->MarkChanged(definition.page, kStageTableDefinition);
         file_->Commit();
         return location;
