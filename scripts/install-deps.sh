@@ -3,7 +3,7 @@
 # `install-deps.sh deb` adds what making and checking the Debian package needs.
 set -euo pipefail
 packages=(build-essential cmake pkg-config qt6-base-dev qt6-qpa-plugins libsqlite3-dev mdbtools-dev
-          xvfb xauth fonts-dejavu-core clang libclang-rt-14-dev)
+          xvfb xauth fonts-dejavu-core clang libclang-rt-14-dev mdbtools)
 if [ "${1:-}" = "deb" ]; then
     packages+=(dpkg-dev lintian desktop-file-utils appstream)
 fi

@@ -1,0 +1,53 @@
+#pragma once
+
+// The program's own writer of Jet 4 files: appends rows to a table of an existing file and
+// changes rows in place, keeping the table's usage maps, row count, autonumber and indexes right.
+// Each row is complete on disk before the next one starts; a row that is refused (a duplicate
+// key, a value that does not fit, a long value) leaves the file as it was.
+
+#include <QHash>
+#include <QString>
+#include <QVariant>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "store/jetpages.h"
+#include "store/jettable.h"
+
+namespace jet {
+
+class Writer {
+  public:
+    // Opens the file for writing; throws WriteError (missing, locked, read-only, not Jet, Jet 3).
+    explicit Writer(const QString& path);
+
+    const TableDefinition& Table(const QString& name);
+    // Values in the order of the table's columns; an invalid QVariant is Null. An autonumber
+    // column takes the table's next number whatever is given.
+    RowLocation AppendRow(const QString& table, std::vector<QVariant> values);
+    // Replaces all values of the row at the location (as the file's readers report it).
+    void ChangeRow(const QString& table, RowLocation row, const std::vector<QVariant>& values);
+    std::vector<QVariant> ReadRow(const QString& table, RowLocation row);
+    // Values for the table's columns from names (any case); columns not named are Null.
+    std::vector<QVariant> ValuesByName(const QString& table, const QVariantHash& named);
+    // The file's pages as the writer sees them, for checks of what was written.
+    PageFile& Pages() { return *file_; }
+
+  private:
+    struct TableState {
+        TableDefinition definition;
+        std::vector<uint32_t> freePages;  // pages of the table that may take another row
+    };
+    TableState& State(const QString& name);
+    RowLocation PlaceRow(TableState& table, const QByteArray& row, uint16_t slotFlags);
+    void RefuseDuplicates(const TableDefinition& table, const std::vector<QVariant>& values);
+    RowLocation FollowOverflow(RowLocation row);
+
+    QString path_;
+    std::unique_ptr<PageFile> file_;
+    std::map<QString, uint32_t> tablePages_;
+    std::map<QString, TableState> tables_;
+};
+
+}  // namespace jet

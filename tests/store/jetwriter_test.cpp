@@ -1,0 +1,306 @@
+// The Jet writer against readers that are not its own: mdbtools and an index walk.
+
+#include <QRandomGenerator>
+#include <QtTest>
+#include <set>
+
+#include "jetcheck.h"
+#include "store/jetwriteerror.h"
+#include "storetest.h"
+
+namespace {
+
+QString Quoted(const QString& text) {
+    return '"' + QString(text).replace('"', "\"\"") + '"';
+}
+
+QString TitleLine(qint64 id, const QString& artist, const QString& title, int tracks) {
+    return QStringLiteral("%1,%2,%3,%4").arg(id).arg(Quoted(artist), Quoted(title)).arg(tracks);
+}
+
+QString TrackLine(qint64 id, int track, const QString& name) {
+    return QStringLiteral("%1,%2,%3").arg(id).arg(track).arg(Quoted(name));
+}
+
+// Every index of the table lists every row, in order, as the row's values say.
+void VerifyIndexes(const QString& path, const QString& table) {
+    std::vector<jet::Index> indexes;
+    {
+        jet::Writer writer(path);
+        indexes = writer.Table(table).indexes;
+    }
+    const long rows = CountedRows(path, table);
+    for (const jet::Index& index : indexes) {
+        long entries = 0;
+        const QString fault = CheckIndex(path, table, index, entries);
+        QVERIFY2(fault.isEmpty(), qPrintable(table + "." + index.name + ": " + fault));
+        QCOMPARE(entries, rows);
+    }
+}
+
+}  // namespace
+
+class JetWriterTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    // Thousands of titles and tracks into the Deluxe layouts: new data pages, index page splits
+    // with a new root, text in both stored forms, the extremes of a Long key.
+    void appendsToDeluxeFilesAgreeWithMdbtools() {
+        for (const QString fixture : {"cd_pk.mdb", "cd_noidx.mdb", "cd_empty.mdb"}) {
+            QTemporaryDir folder;
+            const QString path = CopyFixture(folder, fixture);
+            const QByteArray before = FileBytes(path);
+            QStringList titles = ExportedRows(path, "Titles");
+            QStringList tracks = ExportedRows(path, "Tracks");
+            std::set<qint64> used = {1001, 1002, -5, 2147483647};
+            QRandomGenerator random(42);
+            {
+                jet::Writer writer(path);
+                for (int i = 0; i < 1500; ++i) {
+                    qint64 id = i == 0 ? qint64(INT32_MIN) : qint64(int32_t(random.generate()));
+                    while (used.count(id)) ++id;
+                    used.insert(id);
+                    const QString artist = i % 3 ? QStringLiteral("Artist %1").arg(i)
+                                                 : QStringLiteral("Sigur Rós – Ágætis %1").arg(i);
+                    const QString title = i % 7 ? QStringLiteral("Album \"%1\"").arg(i) : QString();
+                    writer.AppendRow("Titles",
+                                     writer.ValuesByName(
+                                         "Titles", {{"TitleID", id},
+                                                    {"Artist", artist},
+                                                    {"Title", i % 7 ? QVariant(title) : QVariant()},
+                                                    {"NumTracks", 3}}));
+                    titles << (i % 7 ? TitleLine(id, artist, title, 3)
+                                     : QStringLiteral("%1,%2,,3").arg(id).arg(Quoted(artist)));
+                    for (int track = 0; track < 3; ++track) {
+                        const QString name = QStringLiteral("Track %1 of %2 ’").arg(track).arg(i);
+                        writer.AppendRow("Tracks", {id, track, name});
+                        tracks << TrackLine(id, track, name);
+                    }
+                }
+            }
+            titles.sort();
+            tracks.sort();
+            QCOMPARE(ExportedRows(path, "Titles"), titles);
+            QCOMPARE(ExportedRows(path, "Tracks"), tracks);
+            QCOMPARE(CountedRows(path, "Titles"), long(titles.size()));
+            QCOMPARE(CountedRows(path, "Tracks"), long(tracks.size()));
+            VerifyIndexes(path, "Titles");
+            QCOMPARE(StrayChanges(before, path, {"Titles", "Tracks"}), QString());
+        }
+    }
+
+    // Access's own files: a descending index grown across pages by Access, tables with several
+    // indexes (unique and not), a page holding deleted rows, rows moved by overflow pointers.
+    void appendsToAccessFilesKeepTheirIndexes() {
+        QTemporaryDir folder;
+        const QString compound = CopyFixture(folder, "compIndexTestV2000.mdb");
+        const QByteArray compoundBefore = FileBytes(compound);
+        VerifyIndexes(compound, "Table1");
+        QStringList agents = ExportedRows(compound, "Table1");
+        {
+            jet::Writer writer(compound);
+            QRandomGenerator random(7);
+            for (int i = 0; i < 1500; ++i) {
+                const qint64 id = 100000 + qint64(random.bounded(400000)) * 5000 + i;
+                writer.AppendRow("Table1", {id, QStringLiteral("rs %1").arg(i), "dc"});
+                agents << QStringLiteral("%1,\"rs %2\",\"dc\"").arg(id).arg(i);
+            }
+        }
+        agents.sort();
+        QCOMPARE(ExportedRows(compound, "Table1"), agents);
+        VerifyIndexes(compound, "Table1");
+        QCOMPARE(StrayChanges(compoundBefore, compound, {"Table1"}), QString());
+
+        const QString indexed = CopyFixture(folder, "indexTestV2000.mdb");
+        QStringList rows = ExportedRows(indexed, "Table1");
+        {
+            jet::Writer writer(indexed);
+            for (int i = 0; i < 600; ++i) {
+                writer.AppendRow("Table1", {100 + i, i % 5, 10 + i % 3,
+                                            QStringLiteral("baz%1").arg(i), QVariant()});
+                rows << QStringLiteral("%1,%2,%3,\"baz%4\",")
+                            .arg(100 + i)
+                            .arg(i % 5)
+                            .arg(10 + i % 3)
+                            .arg(i);
+                writer.AppendRow("Table2", {100 + i, "foo"});
+                writer.AppendRow("Table3", {100 + i, QVariant()});
+            }
+        }
+        rows.sort();
+        QCOMPARE(ExportedRows(indexed, "Table1"), rows);
+        for (const QString table : {"Table1", "Table2", "Table3"}) {
+            QCOMPARE(CountedRows(indexed, table), long(ExportedRows(indexed, table).size()));
+            VerifyIndexes(indexed, table);
+        }
+
+        const QString deleted = CopyFixture(folder, "delTestV2000.mdb");
+        const QString overflow = CopyFixture(folder, "overflowTestV2000.mdb");
+        QStringList kept = ExportedRows(deleted, "Table");
+        QStringList moved = ExportedRows(overflow, "Table1");
+        {
+            jet::Writer deletedWriter(deleted);
+            jet::Writer overflowWriter(overflow);
+            for (int i = 0; i < 400; ++i) {
+                deletedWriter.AppendRow("Table", {QStringLiteral("a%1").arg(i), "b"});
+                kept << QStringLiteral("\"a%1\",\"b\"").arg(i);
+                overflowWriter.AppendRow("Table1", {QStringLiteral("n%1").arg(i)});
+                moved << QStringLiteral("\"n%1\",,,,,,,,").arg(i);
+            }
+        }
+        kept.sort();
+        moved.sort();
+        QCOMPARE(ExportedRows(deleted, "Table"), kept);
+        QCOMPARE(CountedRows(deleted, "Table"), long(kept.size()));
+        QCOMPARE(ExportedRows(overflow, "Table1"), moved);
+        QCOMPARE(CountedRows(overflow, "Table1"), long(moved.size()));
+    }
+
+    // Rows changed where they are: shorter and longer on their page, moved to another page
+    // behind an overflow pointer when the page is full, moved again from there.
+    void changesRowsInPlace() {
+        QTemporaryDir folder;
+        const QString path = CopyFixture(folder, "cd_pk.mdb");
+        const QString overflow = CopyFixture(folder, "overflowTestV2000.mdb");
+        QStringList titles = ExportedRows(path, "Titles");
+        {
+            jet::Writer writer(path);
+            std::vector<jet::RowLocation> rows;
+            for (int i = 0; i < 60; ++i)
+                rows.push_back(
+                    writer.AppendRow("Titles", {5000 + i, "A", QStringLiteral("T%1").arg(i), 1}));
+            const QString longText(200, QChar(0x263a));
+            for (int round = 0; round < 3; ++round) {
+                for (int i = 0; i < 60; ++i) {
+                    const QString title = round == 1 ? QStringLiteral("short %1").arg(i)
+                                                     : longText + QString::number(i);
+                    writer.ChangeRow("Titles", rows[size_t(i)],
+                                     {5000 + i, "Changed", title, round});
+                    QCOMPARE(writer.ReadRow("Titles", rows[size_t(i)])[2].toString(), title);
+                }
+            }
+            for (int i = 0; i < 60; ++i)
+                titles << TitleLine(5000 + i, "Changed", longText + QString::number(i), 2);
+            QCOMPARE(ErrorNumber([&] {
+                         writer.ChangeRow("Titles", rows[0], {6000, "A", "B", 1});
+                     }),
+                     int(jet::kErrorUnsupported));
+            jet::Writer moved(overflow);
+            // The fixture's third row lives on another page behind a pointer.
+            moved.ChangeRow("Table1", {27, 2}, {"now here", "and longer than it was"});
+        }
+        titles.sort();
+        QCOMPARE(ExportedRows(path, "Titles"), titles);
+        QCOMPARE(CountedRows(path, "Titles"), long(titles.size()));
+        VerifyIndexes(path, "Titles");
+        const QStringList moved = ExportedRows(overflow, "Table1");
+        QCOMPARE(moved.size(), 7);
+        QVERIFY(moved.contains("\"now here\",\"and longer than it was\",,,,,,,"));
+        QVERIFY(!moved.join('\n').contains("row3col"));
+    }
+
+    // What the writer refuses leaves the file byte for byte as it was, with a message that says
+    // why.
+    void refusalsLeaveTheFileUntouched() {
+        QTemporaryDir folder;
+        const QString path = CopyFixture(folder, "cd_pk.mdb");
+        const QByteArray before = FileBytes(path);
+        auto refusal = [](auto&& work) -> QString {
+            try {
+                work();
+            } catch (const VbError& error) {
+                return QString::number(error.Number) + " " + error.Description;
+            }
+            return {};
+        };
+        {
+            jet::Writer writer(path);
+            QVERIFY(refusal([&] {
+                        writer.AppendRow("Titles", {1001, "Again", "Dup", 1});
+                    }).startsWith("3022"));
+            QVERIFY(refusal([&] {
+                        writer.AppendRow("Titles", {7, QString(256, 'x'), "", 1});
+                    }).startsWith("3163"));
+            QVERIFY(refusal([&] {
+                        writer.AppendRow("Titles", {qint64(1) << 40, "", "", 1});
+                    }).startsWith("3421"));
+            QVERIFY(refusal([&] { writer.AppendRow("Nothing", {}); }).startsWith("3078"));
+            QVERIFY(refusal([&] { writer.AppendRow("MSysObjects", {}); }).contains("long values"));
+            QVERIFY(refusal([&] { jet::Writer second(path); }).startsWith("3045"));
+        }
+        QCOMPARE(FileBytes(path), before);
+
+        const QString textIndex = CopyFixture(folder, "bigIndexTestV2000.mdb");
+        const QByteArray textBefore = FileBytes(textIndex);
+        QVERIFY(refusal([&] {
+                    jet::Writer(textIndex).AppendRow("Table1", {"kiwi", "b"});
+                }).contains("the character 'k' sorts"));
+        QCOMPARE(FileBytes(textIndex), textBefore);
+
+        const QString jet3 = CopyFixture(folder, "indexTestV1997.mdb");
+        QVERIFY(refusal([&] { jet::Writer{jet3}; }).contains("Jet 3 (Access 97)"));
+        QFile truncated(folder.filePath("truncated.mdb"));
+        truncated.open(QIODevice::WriteOnly);
+        truncated.write(before.left(5000));
+        truncated.close();
+        QVERIFY(refusal([&] { jet::Writer{truncated.fileName()}; }).contains("truncated"));
+        QFile text(folder.filePath("text.mdb"));
+        text.open(QIODevice::WriteOnly);
+        text.write(QByteArray(8192, 'x'));
+        text.close();
+        QVERIFY(refusal([&] { jet::Writer{text.fileName()}; }).contains("not a Jet database"));
+        QVERIFY(refusal([&] { jet::Writer{folder.filePath("missing.mdb")}; }).startsWith("3024"));
+    }
+
+    // Text keys as Access writes them: every name in the catalogue's name index of an
+    // Access-made file comes out of the encoder byte for byte; then a text index grown by
+    // thousands of rows of varying length.
+    void textKeysFollowAccessSortOrder() {
+        QTemporaryDir folder;
+        const QString access = CopyFixture(folder, "indexTestV2000.mdb");
+        {
+            jet::Writer writer(access);
+            const jet::TableDefinition& catalog = writer.Table("MSysObjects");
+            const auto byName =
+                std::find_if(catalog.indexes.begin(), catalog.indexes.end(),
+                             [](const jet::Index& index) { return index.columns.size() == 2; });
+            QVERIFY(byName != catalog.indexes.end());
+            const jet::IndexNode leaf = jet::ReadIndexNode(writer.Pages(), byName->rootPage);
+            QVERIFY(leaf.IsLeaf());
+            int compared = 0;
+            for (const QByteArray& entry : leaf.entries) {
+                const uint32_t pointer = jet::ReadU32BigEndian(entry, entry.size() - 4);
+                const auto values =
+                    writer.ReadRow("MSysObjects", {pointer >> 8, uint8_t(pointer & 0xff)});
+                QByteArray key;
+                if (ErrorNumber([&] { key = jet::EncodeIndexKey(catalog, *byName, values); }) != 0)
+                    continue;
+                QCOMPARE(key.toHex(), entry.left(entry.size() - 4).toHex());
+                ++compared;
+            }
+            QVERIFY(compared >= 20);
+        }
+
+        const QString path = CopyFixture(folder, "bigIndexTestV2000.mdb");
+        const QString alphabet = "abcdefghijlmnopqrstuvxyABCDEFGHIJLMNOPQRSTUVXY123";
+        QRandomGenerator random(11);
+        QStringList rows;
+        {
+            jet::Writer writer(path);
+            for (int i = 0; i < 2000; ++i) {
+                QString text;
+                const int length = 1 + random.bounded(i % 10 ? 12 : 200);
+                for (int c = 0; c < length; ++c) text += alphabet[random.bounded(alphabet.size())];
+                writer.AppendRow("Table1", {i % 50 ? QVariant(text) : QVariant(), "x"});
+                rows << (i % 50 ? Quoted(text) : QString()) + ",\"x\"";
+            }
+        }
+        rows.sort();
+        QCOMPARE(ExportedRows(path, "Table1"), rows);
+        VerifyIndexes(path, "Table1");
+    }
+};
+
+QTEST_GUILESS_MAIN(JetWriterTest)
+#include "jetwriter_test.moc"
