@@ -2,6 +2,7 @@
 # Installs the Debian packages Velmora needs to build, run and test, and only those missing.
 set -euo pipefail
 packages=(build-essential cmake pkg-config qt6-base-dev qt6-qpa-plugins libsqlite3-dev mdbtools-dev
+          libcdio-dev libiso9660-dev xorriso
           xvfb xauth fonts-dejavu-core)
 missing=()
 for package in "${packages[@]}"; do
