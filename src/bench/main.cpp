@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 
+#include "bench/discscenarios.h"
 #include "bench/searchscenarios.h"
 #include "bench/syntheticcatalogue.h"
 #include "shell/frmMain.h"
@@ -141,6 +142,15 @@ void StartUp(Catalogues& catalogues, int titles, int runs) {
     Report(QString("Start-up to the first list %1 titles").arg(titles), times);
 }
 
+void ReportListing(bool iso, int runs) {
+    double peak = 0;
+    const std::vector<double> times = TimeDataListing(iso, runs, peak);
+    Report(QString("Listing 50000 files from %1 (peak memory %2 MB)")
+               .arg(iso ? "an ISO image" : "a folder")
+               .arg(peak, 0, 'f', 1),
+           times);
+}
+
 using Scenario = std::function<void(Catalogues&, int runs)>;
 
 const std::vector<std::pair<QString, Scenario>>& Scenarios() {
@@ -156,6 +166,13 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
          [](Catalogues& c, int runs) {
              Report("Search by track name 32767 titles", TimeTrackSearch(c.FolderFor(32767), runs));
          }},
+        {"readdisc-20-tracks",
+         [](Catalogues& c, int runs) {
+             Report("Read a 20-track CD-Text image into the editor",
+                    TimeReadAudioIntoEditor(c.FolderFor(1000), runs));
+         }},
+        {"listing-folder-50000", [](Catalogues&, int runs) { ReportListing(false, runs); }},
+        {"listing-iso-50000", [](Catalogues&, int runs) { ReportListing(true, runs); }},
         {"compaction-32767",
          [](Catalogues& c, int runs) {
              Report("Compaction 32767 titles", TimeCompaction(c.FolderFor(32767), runs));

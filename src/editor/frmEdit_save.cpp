@@ -116,6 +116,7 @@ void frmEdit::WriteTitle() {
     record->Fields("modified").SetValue(QDate::currentDate().toString(Qt::ISODate));
     const QString memo = Memo->toPlainText();
     record->Fields("memo").SetValue(memo.trimmed().isEmpty() ? kEmptyTextMark : memo);
+    WriteDiscFields(*record);
     gCurrentTitleId = record->Fields("idcd").Value().toLongLong();
     record->Update();
 }

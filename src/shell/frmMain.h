@@ -176,6 +176,9 @@ class frmMain : public QMainWindow {
     void DeleteTitle();
     void RenameTitle(const QString& name);
     void ShowSearch();
+    // Reads the disc in the drive and selects its title, or says that it is not catalogued.
+    void FindThisDisc();
+    QTreeWidgetItem* NodeOfKey(const QString& key) const;
     // Hides platform id (name is shown in the question) and removes the selected node.
     void HideFolder(long id, const QString& name);
 
