@@ -3,7 +3,8 @@
 # `install-deps.sh deb` adds what making and checking the Debian package needs.
 set -euo pipefail
 packages=(build-essential cmake pkg-config qt6-base-dev qt6-qpa-plugins libsqlite3-dev mdbtools-dev
-          xvfb xauth fonts-dejavu-core clang libclang-rt-14-dev mdbtools)
+          xvfb xauth fonts-dejavu-core clang libclang-rt-14-dev mdbtools
+          libcdio-dev libiso9660-dev xorriso)
 if [ "${1:-}" = "deb" ]; then
     packages+=(dpkg-dev lintian desktop-file-utils appstream)
 fi

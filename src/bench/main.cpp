@@ -16,6 +16,7 @@
 
 #include "bench/deluxescenarios.h"
 #include "bench/importscenarios.h"
+#include "bench/discscenarios.h"
 #include "bench/searchscenarios.h"
 #include "bench/syntheticcatalogue.h"
 #include "shell/frmMain.h"
@@ -143,6 +144,15 @@ void StartUp(Catalogues& catalogues, int titles, int runs) {
     Report(QString("Start-up to the first list %1 titles").arg(titles), times);
 }
 
+void ReportListing(bool iso, int runs) {
+    double peak = 0;
+    const std::vector<double> times = TimeDataListing(iso, runs, peak);
+    Report(QString("Listing 50000 files from %1 (peak memory %2 MB)")
+               .arg(iso ? "an ISO image" : "a folder")
+               .arg(peak, 0, 'f', 1),
+           times);
+}
+
 using Scenario = std::function<void(Catalogues&, int runs)>;
 
 const std::vector<std::pair<QString, Scenario>>& Scenarios() {
@@ -169,6 +179,13 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
          [](Catalogues&, int runs) {
              Report("cdplayer.ini import 1000 sections", TimeCdPlayerIniImport(1000, runs));
          }},
+        {"readdisc-20-tracks",
+         [](Catalogues& c, int runs) {
+             Report("Read a 20-track CD-Text image into the editor",
+                    TimeReadAudioIntoEditor(c.FolderFor(1000), runs));
+         }},
+        {"listing-folder-50000", [](Catalogues&, int runs) { ReportListing(false, runs); }},
+        {"listing-iso-50000", [](Catalogues&, int runs) { ReportListing(true, runs); }},
         {"compaction-32767",
          [](Catalogues& c, int runs) {
              Report("Compaction 32767 titles", TimeCompaction(c.FolderFor(32767), runs));

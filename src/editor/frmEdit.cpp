@@ -121,6 +121,15 @@ void frmEdit::BuildWindow() {
         button->setDefault(false);
     }
     connect(cmdTracks, &QPushButton::clicked, this, &frmEdit::cmdTracks_Click);
+    cmdReadDisc = new ctlGoldButton(this, "cmdReadDisc");
+    cmdReadDisc->setObjectName("cmdReadDisc");
+    cmdReadDisc->setCaption("Read disc");
+    cmdReadDisc->setToolTip(
+        "Read the tracks and identity of an audio cd, or the listing of a data disc, from the "
+        "drive or an image file");
+    cmdReadDisc->setMinimumSize(90, 24);
+    cmdReadDisc->setEnabled(false);
+    connect(cmdReadDisc, &ctlGoldButton::Click, this, &frmEdit::cmdReadDisc_Click);
     connect(cmdOK, &QPushButton::clicked, this, &frmEdit::cmdOK_Click);
     connect(cmdCancel, &QPushButton::clicked, this, &frmEdit::cmdCancel_Click);
 
@@ -234,6 +243,7 @@ void frmEdit::BuildWindow() {
 
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(cmdTracks);
+    buttons->addWidget(cmdReadDisc);
     buttons->addStretch();
     buttons->addWidget(cmdOK);
     buttons->addWidget(cmdCancel);
@@ -283,6 +293,7 @@ void frmEdit::Combo1_Click(int index) {
     const QString id = QString::number(ItemData(index));
     if (index == 0) {
         cmdTracks->setEnabled(false);
+        cmdReadDisc->setEnabled(true);
         if (ItemData(0) == 1) {
             cmdTracks->setEnabled(true);
             cmdTracks->setText(TracksCaption());
@@ -335,17 +346,7 @@ void frmEdit::GoldButtonClick(int list, LookupOperation operation, int index) {
             // a parent selected there is nothing to add to.
             const int parentList = (list == 1 || list == 2) ? 0 : (list == 3 ? 2 : -1);
             if (parentList >= 0 && Combo1[parentList]->currentIndex() < 0) return;
-            const long parentId = parentList >= 0 ? ItemData(parentList) : 0;
-            const QString result = operation(kLookupAdd, parentId, name);
-            if (result.isEmpty()) return;
-            const int previous = combo->currentIndex();
-            {
-                const QSignalBlocker blocker(combo);
-                combo->addItem(LookupResultName(result),
-                               static_cast<qlonglong>(LookupResultId(result)));
-                combo->setCurrentIndex(previous);
-            }
-            combo->setCurrentIndex(combo->count() - 1);
+            AddLookupRow(list, operation, name);
             break;
         }
         case 1: {
@@ -370,6 +371,21 @@ void frmEdit::GoldButtonClick(int list, LookupOperation operation, int index) {
         default:
             break;
     }
+}
+
+void frmEdit::AddLookupRow(int list, LookupOperation operation, QString name) {
+    QComboBox* combo = Combo1[list];
+    const int parentList = (list == 1 || list == 2) ? 0 : (list == 3 ? 2 : -1);
+    const long parentId = parentList >= 0 ? ItemData(parentList) : 0;
+    const QString result = operation(kLookupAdd, parentId, name);
+    if (result.isEmpty()) return;
+    const int previous = combo->currentIndex();
+    {
+        const QSignalBlocker blocker(combo);
+        combo->addItem(LookupResultName(result), static_cast<qlonglong>(LookupResultId(result)));
+        combo->setCurrentIndex(previous);
+    }
+    combo->setCurrentIndex(combo->count() - 1);
 }
 
 bool frmEdit::eventFilter(QObject* watched, QEvent* event) {

@@ -10,6 +10,7 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
+class Recordset;
 class ctlGoldButton;
 class frmTracksListing;
 
@@ -45,6 +46,9 @@ class frmEdit : public QDialog {
     void cmdSpecific_Click(int index);
     void cmdMediatype_Click(int index);
     void cmdTracks_Click();
+    // Fills the form from the disc in the drive or an image: tracks, identity, title and artist
+    // on the audio platform; listing, capacity and free space on the others.
+    void cmdReadDisc_Click();
     void cmdCancel_Click();
     // Validates, writes the title and its tracks or listing, updates the main window's list
     // and closes the window.
@@ -56,6 +60,7 @@ class frmEdit : public QDialog {
     QLabel* lblCreated;
     QLabel* lblModified;
     QPushButton* cmdTracks;
+    ctlGoldButton* cmdReadDisc;
     QPushButton* cmdOK;
     QPushButton* cmdCancel;
     QFrame* Frame1;
@@ -94,6 +99,16 @@ class frmEdit : public QDialog {
     // The number at the start of a tree key's tail, 0 when there is none.
     static long Val(const QString& text);
     void GoldButtonClick(int list, LookupOperation operation, int index);
+    // Adds a row through the lookup operation (asking for the name when it is empty) and
+    // selects it.
+    void AddLookupRow(int list, LookupOperation operation, QString name);
+
+    void ReadAudioIntoForm();
+    void ReadDataIntoForm();
+    void SelectOrAddVendor(const QString& name);
+    // Closes this window and opens the stored title id in its place.
+    void OpenCataloguedTitle(long id);
+    void WriteDiscFields(Recordset& record);
 
     bool Validate();
     void WriteTitle();
@@ -105,6 +120,12 @@ class frmEdit : public QDialog {
     QString listingCaption_;
     frmTracksListing* tracksListing_ = nullptr;
     int mousePointer_ = 1;
+    // What the last reading of a disc found, written with the title.
+    enum class DiscRead { None, Audio, Data } discRead_ = DiscRead::None;
+    quint32 discTitleId_ = 0;
+    double discCapacity_ = 0;
+    double discFreespace_ = 0;
+    QString discListing_;
     bool unloaded_ = false;
 };
 

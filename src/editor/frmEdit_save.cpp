@@ -118,6 +118,7 @@ void frmEdit::WriteTitle() {
     // The catalogue's line end is CR LF; the exports rely on it.
     const QString memo = Memo->toPlainText().replace(QChar('\n'), vbCrLf);
     record->Fields("memo").SetValue(Trim(memo).isEmpty() ? kEmptyTextMark : memo);
+    WriteDiscFields(*record);
     gCurrentTitleId = record->Fields("idcd").Value().toLongLong();
     record->Update();
 }

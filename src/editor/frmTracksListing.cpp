@@ -48,6 +48,14 @@ void frmTracksListing::SetText(const QString& text) {
     Text1->setPlainText(QString(text).replace("\r\n", "\n"));
 }
 
+void frmTracksListing::TakeReadText(const QString& text) {
+    SetText(text);
+    if (ShowsListing(owner_->cmdTracks->text()))
+        ListingText = Text();
+    else
+        TracksText = Text();
+}
+
 bool frmTracksListing::ShowsListing(const QString& kindCaption) const {
     return kindCaption == owner_->ListingCaption();
 }

@@ -22,6 +22,8 @@ class frmTracksListing : public QDialog {
     // Text1's text with CR LF line ends, as the catalogue keeps them.
     QString Text() const;
     void SetText(const QString& text);
+    // A text read from a disc: shown, and held for the kind the title editor now shows.
+    void TakeReadText(const QString& text);
 
     void cmdOK_Click();
     void cmdCancel_Click();

@@ -180,6 +180,9 @@ class frmMain : public QMainWindow {
     void ShowSearch();
     // Opens the help page in the desktop's browser, or says where it is when none can.
     void ShowHelp();
+    // Reads the disc in the drive and selects its title, or says that it is not catalogued.
+    void FindThisDisc();
+    QTreeWidgetItem* NodeOfKey(const QString& key) const;
     // Hides platform id (name is shown in the question) and removes the selected node.
     void HideFolder(long id, const QString& name);
 

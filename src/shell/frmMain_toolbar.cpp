@@ -26,6 +26,8 @@ QList<ToolbarButtonDesign> ToolbarDesign() {
         {},
         {"maintenance", "Database", "structure", "Change lookup lists / structure"},
         {"search", "Search", "search", "Search for one or more cd-titles"},
+        {"finddisc", "Find disc", "finddisc",
+         "Find this disc: select the title of the cd in the drive (Ctrl+D)"},
         {},
         {"import", "Import", "import", "Import cd-titles from a program or file"},
         {"export", "Export", "export", "Export cd-titles to a program, HTML or the clipboard"},
@@ -54,6 +56,7 @@ void frmMain::InitializeToolbar() {
         button->setData(design.key);
         button->setToolTip(design.tooltip);
         const QString key = design.key;
+        if (key == "finddisc") button->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_D));
         connect(button, &QAction::triggered, this, [this, key] { Toolbar1_ButtonClick(key); });
     }
 }
@@ -73,6 +76,8 @@ void frmMain::Toolbar1_ButtonClick(const QString& key) {
         DeleteTitle();
     } else if (key == "search") {
         ShowSearch();
+    } else if (key == "finddisc") {
+        FindThisDisc();
     } else if (key == "import") {
         ShowImportWindow();
     } else if (key == "export") {

@@ -1,0 +1,125 @@
+#include "bench/discscenarios.h"
+
+#include <sys/resource.h>
+
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include "disc/audiodisc.h"
+#include "disc/datadisc.h"
+#include "editor/frmEdit.h"
+#include "editor/frmTracksListing.h"
+#include "shell/frmMain.h"
+#include "shell/mGlobals.h"
+#include "toolkit/msgbox.h"
+#include "toolkit/vberror.h"
+#include "toolkit/vbruntime.h"
+
+namespace {
+
+const int kTracks = 20;
+const int kFiles = 50000;
+const int kFolders = 500;
+
+QString MakeTwentyTrackCue(const QString& folder) {
+    QByteArray cue =
+        "TITLE \"Benchmark Album\"\nPERFORMER \"Benchmark Artist\"\n"
+        "FILE \"bench.bin\" BINARY\n";
+    for (int track = 0; track < kTracks; ++track) {
+        cue += QString("  TRACK %1 AUDIO\n    TITLE \"Song number %1\"\n    INDEX 01 %2:00:00\n")
+                   .arg(track + 1, 2, 10, QChar('0'))
+                   .arg(track * 3, 2, 10, QChar('0'))
+                   .toUtf8();
+    }
+    QFile file(folder + "/bench.cue");
+    file.open(QIODevice::WriteOnly);
+    file.write(cue);
+    QFile bin(folder + "/bench.bin");
+    bin.open(QIODevice::WriteOnly);
+    bin.resize(qint64(kTracks * 3 * 60 * 75) * 2352);  // sparse: silence costs no disk
+    return file.fileName();
+}
+
+double PeakMegabytes() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss / 1024.0;
+}
+
+}  // namespace
+
+std::vector<double> TimeReadAudioIntoEditor(const QString& folder, int runs) {
+    QTemporaryDir images;
+    const QString cue = MakeTwentyTrackCue(images.path());
+    SetDiscDriveLocator([cue] { return cue; });
+    SetMsgBoxResponder(
+        [](const MsgBoxCall& call) -> int { throw VbError(0, "unexpected box: " + call.prompt); });
+    App.Path = folder;
+    gMainForm = new frmMain();
+    gMainForm->Form_Load();
+    std::vector<double> times;
+    for (int run = 0; run < runs; ++run) {
+        gAddingTitle = true;
+        gModifyingTitle = false;
+        gEditForm = new frmEdit(gMainForm);
+        gEditForm->Form_Load();
+        gEditForm->Combo1[0]->setCurrentIndex(gEditForm->Combo1[0]->findData(1));
+        QElapsedTimer clock;
+        clock.start();
+        gEditForm->cmdReadDisc_Click();
+        times.push_back(clock.nsecsElapsed() / 1e6);
+        if (!gEditForm->TracksListing() ||
+            gEditForm->TracksListing()->Text().count("\r\n") != kTracks - 1)
+            throw VbError(0, "the editor was not filled");
+        gEditForm->Unload();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    gMainForm->SetMousePointer(vbArrow);
+    gMainForm->Unload();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    SetDiscDriveLocator({});
+    SetMsgBoxResponder({});
+    return times;
+}
+
+std::vector<double> TimeDataListing(bool iso, int runs, double& peakMegabytes) {
+    QTemporaryDir work;
+    const QString root = work.path() + "/disc";
+    for (int folder = 0; folder < kFolders; ++folder) {
+        const QString path = QString("%1/folder%2").arg(root).arg(folder, 3, 10, QChar('0'));
+        QDir().mkpath(path);
+        for (int file = 0; file < kFiles / kFolders; ++file) {
+            QFile entry(QString("%1/file%2.dat").arg(path).arg(file, 3, 10, QChar('0')));
+            entry.open(QIODevice::WriteOnly);
+            entry.write("x");
+        }
+    }
+    QString source = root;
+    if (iso) {
+        source = work.path() + "/disc.iso";
+        QProcess xorriso;
+        xorriso.start(QStandardPaths::findExecutable("xorriso"),
+                      {"-as", "mkisofs", "-quiet", "-R", "-J", "-o", source, root});
+        if (!xorriso.waitForFinished(600000) || xorriso.exitCode() != 0)
+            throw VbError(0, "xorriso could not make the image");
+    }
+    std::vector<double> times;
+    for (int run = 0; run < runs; ++run) {
+        DataDisc disc;
+        QString problem;
+        QElapsedTimer clock;
+        clock.start();
+        const bool listed =
+            iso ? ListIsoImage(source, disc, problem) : ListDataFolder(source, disc, problem);
+        times.push_back(clock.nsecsElapsed() / 1e6);
+        if (!listed || disc.files != kFiles) throw VbError(0, "listing failed: " + problem);
+    }
+    peakMegabytes = PeakMegabytes();
+    return times;
+}
