@@ -2,7 +2,7 @@
 # Installs the Debian packages Velmora needs to build, run and test, and only those missing.
 set -euo pipefail
 packages=(build-essential cmake pkg-config qt6-base-dev qt6-qpa-plugins libsqlite3-dev mdbtools-dev
-          xvfb xauth fonts-dejavu-core)
+          xvfb xauth fonts-dejavu-core chromium)
 missing=()
 for package in "${packages[@]}"; do
     if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then

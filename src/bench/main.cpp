@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 
+#include "bench/exportscenarios.h"
 #include "bench/searchscenarios.h"
 #include "bench/syntheticcatalogue.h"
 #include "shell/frmMain.h"
@@ -159,6 +160,23 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
         {"compaction-32767",
          [](Catalogues& c, int runs) {
              Report("Compaction 32767 titles", TimeCompaction(c.FolderFor(32767), runs));
+         }},
+        {"export-html-32767",
+         [](Catalogues&, int runs) {
+             Report("HTML export 32767 audio titles", TimeHtmlExport(32767, runs));
+         }},
+        {"export-tab-32767",
+         [](Catalogues&, int runs) {
+             Report("TAB export 32767 audio titles", TimeTabExport(32767, runs));
+         }},
+        {"export-clipboard-10000",
+         [](Catalogues&, int runs) {
+             Report("Clipboard export 10000 audio titles", TimeClipboardExport(10000, runs));
+         }},
+        {"export-cdplayer-1000",
+         [](Catalogues&, int runs) {
+             Report("cdplayer.ini export 1000 audio titles into 1000 other discs",
+                    TimeCdPlayerIniExport(1000, runs));
          }},
     };
     return scenarios;

@@ -2,6 +2,7 @@
 // here, so that the busy flag and the mode flags around them stay with the commands.
 
 #include "editor/frmEdit.h"
+#include "export/frmExport.h"
 #include "search/frmFind.h"
 #include "shell/frmMain.h"
 
@@ -17,7 +18,9 @@ void frmMain::ShowDatabaseWindow() {}
 
 void frmMain::ShowImportWindow() {}
 
-void frmMain::ShowExportWindow() {}
+void frmMain::ShowExportWindow() {
+    ShowExportForm();
+}
 
 bool frmMain::RunUpdate(QString& updateProgram) {
     updateProgram.clear();

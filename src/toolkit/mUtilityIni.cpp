@@ -138,7 +138,12 @@ bool IniFile::save() const {
     QString text = lines_.join(lineEnd_);
     if (endsWithLineEnd_ && !lines_.isEmpty()) text += lineEnd_;
     QSaveFile file(path_);
-    if (!file.open(QIODevice::WriteOnly)) return false;
-    file.write(utf8_ ? text.toUtf8() : text.toLatin1());
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) return false;
+    // A short write (a full disc, the file size limit) must not replace the old file.
+    const QByteArray bytes = utf8_ ? text.toUtf8() : text.toLatin1();
+    if (file.write(bytes) != bytes.size()) {
+        file.cancelWriting();
+        return false;
+    }
     return file.commit();
 }
