@@ -48,6 +48,16 @@ class BrowserTest : public QObject {
               "<p>Audio</p>", "<p>PC</p>", "<p>Video</p>", "Björk", "Jóga<br>", "setup.exe<br>"})
             QVERIFY2(dom.contains(text), qPrintable(text));
         QVERIFY(dom.contains("x &lt; y &amp; \"z\""));
+
+        // A picture of the page for a person to look at, when asked for.
+        const QString screenshot = qEnvironmentVariable("VELMORA_EXPORT_SCREENSHOT");
+        if (!screenshot.isEmpty()) {
+            browser.start(chromium,
+                          {"--headless", "--no-sandbox", "--disable-gpu",
+                           "--user-data-dir=" + profile.path(), "--window-size=1000,1300",
+                           "--screenshot=" + screenshot, QUrl::fromLocalFile(page).toString()});
+            QVERIFY(browser.waitForFinished(90000));
+        }
     }
 };
 
