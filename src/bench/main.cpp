@@ -17,6 +17,7 @@
 #include "bench/deluxescenarios.h"
 #include "bench/importscenarios.h"
 #include "bench/discscenarios.h"
+#include "bench/exportscenarios.h"
 #include "bench/searchscenarios.h"
 #include "bench/syntheticcatalogue.h"
 #include "shell/frmMain.h"
@@ -194,6 +195,23 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
          [](Catalogues&, int runs) {
              Report("Deluxe file: 1000 titles x 12 tracks appended to 300 titles",
                     TimeDeluxeWrite(runs));
+         }},
+        {"export-html-32767",
+         [](Catalogues&, int runs) {
+             Report("HTML export 32767 audio titles", TimeHtmlExport(32767, runs));
+         }},
+        {"export-tab-32767",
+         [](Catalogues&, int runs) {
+             Report("TAB export 32767 audio titles", TimeTabExport(32767, runs));
+         }},
+        {"export-clipboard-10000",
+         [](Catalogues&, int runs) {
+             Report("Clipboard export 10000 audio titles", TimeClipboardExport(10000, runs));
+         }},
+        {"export-cdplayer-1000",
+         [](Catalogues&, int runs) {
+             Report("cdplayer.ini export 1000 audio titles into 1000 other discs",
+                    TimeCdPlayerIniExport(1000, runs));
          }},
     };
     return scenarios;

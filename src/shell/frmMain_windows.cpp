@@ -2,6 +2,7 @@
 // here, so that the busy flag and the mode flags around them stay with the commands.
 
 #include "editor/frmEdit.h"
+#include "export/frmExport.h"
 #include "import/frmImport.h"
 #include "lookups/frmDatabase.h"
 #include "search/frmFind.h"
@@ -37,7 +38,9 @@ void frmMain::ShowImportWindow() {
     ::ShowImportWindow();
 }
 
-void frmMain::ShowExportWindow() {}
+void frmMain::ShowExportWindow() {
+    ShowExportForm();
+}
 
 bool frmMain::RunUpdate(QString& updateProgram) {
     updateProgram.clear();

@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QDir>
+#include <csignal>
 
 #include "shell/submain.h"
 #include "shell/terminationsignals.h"
@@ -7,6 +8,9 @@
 #include "toolkit/vbruntime.h"
 
 int main(int argc, char** argv) {
+    // A file that outgrows the user's file size limit must fail its write, not end the program
+    // with the catalogue open.
+    std::signal(SIGXFSZ, SIG_IGN);
     QApplication app(argc, argv);
     InitResources();
     App.Path = QDir(QCoreApplication::applicationDirPath()).absolutePath();

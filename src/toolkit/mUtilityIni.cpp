@@ -150,7 +150,12 @@ QString IniFile::text() const {
 
 bool IniFile::save() const {
     QSaveFile file(path_);
-    if (!file.open(QIODevice::WriteOnly)) return false;
-    file.write(EncodeText(text(), encoding_));
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) return false;
+    // A short write (a full disc, the file size limit) must not replace the old file.
+    const QByteArray bytes = EncodeText(text(), encoding_);
+    if (file.write(bytes) != bytes.size()) {
+        file.cancelWriting();
+        return false;
+    }
     return file.commit();
 }

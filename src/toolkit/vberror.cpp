@@ -22,10 +22,16 @@ QString VbError::StandardDescription(int number) {
             return "Type mismatch";
         case 53:
             return "File not found";
+        case 61:
+            return "Disk full";
+        case 70:
+            return "Permission denied";
         case 75:
             return "Path/File access error";
         case 76:
             return "Path not found";
+        case 94:
+            return "Invalid use of Null";
         case 380:
             return "Invalid property value";
         default:

@@ -1,0 +1,98 @@
+// Which titles go out: the selected tree node and the chosen option become one of the list's
+// own view statements.
+
+#include <QRadioButton>
+#include <QTreeWidgetItem>
+
+#include "export/frmExport.h"
+#include "lookups/viewqueries.h"
+#include "shell/frmMain.h"
+#include "shell/mGlobals.h"
+#include "store/dao.h"
+#include "toolkit/msgbox.h"
+
+namespace {
+
+QString KeyOf(const QTreeWidgetItem* node) {
+    return node && gMainForm ? gMainForm->NodeKey(node) : QString();
+}
+
+QString ParentKey(const QTreeWidgetItem* node) {
+    return node ? KeyOf(node->parent()) : QString();
+}
+
+QString GrandparentKey(const QTreeWidgetItem* node) {
+    return node && node->parent() ? KeyOf(node->parent()->parent()) : QString();
+}
+
+bool IsTypeFolder(const QTreeWidgetItem* node) {
+    return ParentKey(node) != "root" && GrandparentKey(node) == "root";
+}
+
+// The number behind a key's first three characters: a platform's id.
+int PlatformId(const QString& key) {
+    return static_cast<qint16>(key.mid(3).toInt());
+}
+
+// A type folder's key is its parent's key, three letters and the type's id.
+int TypeId(const QString& key, const QString& parentKey) {
+    return key.right(key.size() - parentKey.size() - 3).toInt();
+}
+
+QString InClause(int platform) {
+    return "(" + QString::number(platform) + ")";
+}
+
+}  // namespace
+
+bool frmExport::OpenExportTitles(int option) {
+    // Without a main window (or a selection in it) the whole catalogue is the current folder.
+    QTreeWidgetItem* node = gMainForm ? gMainForm->SelectedNode() : nullptr;
+    const QString key = node ? KeyOf(node) : QString("root");
+    switch (option) {
+        case 2:
+            GetViewSQL("all", true, ExportRecordset, 0, 0, QString());
+            return true;
+        case 3:
+            GetViewSQL("search", true, ExportRecordset, 0, 0, QString());
+            return true;
+        case 1:
+            return OpenCurrentPlatform(key, node);
+        default:
+            OpenCurrentFolder(key, node);
+            return true;
+    }
+}
+
+void frmExport::OpenCurrentFolder(const QString& key, QTreeWidgetItem* node) {
+    if (key == "root") {
+        GetViewSQL("platform", true, ExportRecordset, 0, 32767, QString());
+    } else if (IsTypeFolder(node)) {
+        const QString parentKey = ParentKey(node);
+        GetViewSQL("platformtype", true, ExportRecordset, TypeId(key, parentKey), 0,
+                   InClause(PlatformId(parentKey)));
+    } else if (ParentKey(node) == "root") {
+        if (key != "search")
+            GetViewSQL("platform", true, ExportRecordset, 0, 32767, InClause(PlatformId(key)));
+        else if (!gSearchSQL.isEmpty())
+            GetViewSQL("search", true, ExportRecordset, 0, 0, QString());
+    }
+}
+
+bool frmExport::OpenCurrentPlatform(const QString& key, QTreeWidgetItem* node) {
+    if (key == "root") {
+        if (MsgBox("You selected to export one category, but you have more than one in your "
+                   "view.\rDo you want to export all categories instead?",
+                   vbYesNoCancel | vbExclamation, "Confirm") != vbYes)
+            return false;
+        GetViewSQL("platform", true, ExportRecordset, 0, 32767, QString());
+    } else if (IsTypeFolder(node)) {
+        GetViewSQL("platform", true, ExportRecordset, 0, 0, InClause(PlatformId(ParentKey(node))));
+    } else if (ParentKey(node) == "root") {
+        if (key == "search")
+            GetViewSQL("search", true, ExportRecordset, 0, 0, QString());
+        else
+            GetViewSQL("platform", true, ExportRecordset, 0, 0, InClause(PlatformId(key)));
+    }
+    return true;
+}

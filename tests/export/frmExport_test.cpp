@@ -1,0 +1,235 @@
+// The export window over a running program: its design, the choice of titles by tree node,
+// the boxes of the driver and when the window stays open.
+
+#include <QCheckBox>
+#include <QDir>
+#include <QGroupBox>
+#include <QRadioButton>
+#include <QTabBar>
+
+#include "export/exporttest.h"
+#include "export/frmExport.h"
+#include "lookups/viewqueries.h"
+#include "shell/frmMain.h"
+#include "shell/mGlobals.h"
+#include "toolkit/mUtility.h"
+
+using namespace exporttest;
+
+namespace {
+
+void SelectNode(const QString& key) {
+    QTreeWidgetItem* node = NodeWithKey(key);
+    QVERIFY2(node, qPrintable(key));
+    gMainForm->TV1->setCurrentItem(node);
+    gMainForm->TV1_NodeClick(node);
+}
+
+QString ViewSQL(const QString& kind, int first, int second, const QString& clause) {
+    std::unique_ptr<Recordset> unused;
+    return GetViewSQL(kind, false, unused, first, second, clause);
+}
+
+}  // namespace
+
+class ExportWindowTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void init() {
+        qputenv("WINEPREFIX", QDir::tempPath().toUtf8() + "/velmora-no-wine");
+        folder_ = std::make_unique<TempProgramFolder>();
+        folder_->openCatalogue();
+        AddTitles();
+        folder_->closeCatalogue();
+        gSearchSQL.clear();
+        StartProgram();
+        QVERIFY(gMainForm);
+    }
+
+    void cleanup() {
+        EndProgram();
+        folder_.reset();
+    }
+
+    void windowShowsItsDesign() {
+        frmExport form(gMainForm);
+        form.Form_Load();
+        QCOMPARE(form.windowTitle(), QString("Export titles from Velmora - cd cataloger pro"));
+        QCOMPARE(form.TabStrip1->count(), 4);
+        const QStringList tabs = {"Select Titles", "Destination", "Fields", "Options"};
+        const QStringList tips = {
+            "Which cd-titles should be exported?", "Where do you want to export the cd-titles to?",
+            "What kind of information do you want to export?", "Here you can set various options."};
+        for (int i = 0; i < 4; ++i) {
+            QCOMPARE(form.TabStrip1->tabText(i), tabs[i]);
+            QCOMPARE(form.TabStrip1->tabToolTip(i), tips[i]);
+        }
+        QCOMPARE(form.FrameTab[2]->title(), QString("Mark all that apply"));
+        QVERIFY(form.Option1[0]->isChecked() && !form.Option1[3]->isEnabled());
+        QCOMPARE(form.Option1[1]->text(),
+                 QString("Current platform (only vcd, only pc, only dvd , etc)"));
+        // No Wine prefix: neither player's file exists.
+        QVERIFY(form.Check1[0]->isChecked() && !form.Check1[3]->isEnabled() &&
+                !form.Check1[4]->isEnabled());
+        QCOMPARE(form.Check1[4]->text(), QString("Windows Deluxe CD-player (Plus! and 2000)"));
+        QStringList tags, checked;
+        for (QCheckBox* field : form.Check3) {
+            tags << field->property("Tag").toString();
+            checked << (field->isChecked() ? "1" : "0");
+        }
+        QCOMPARE(tags, QStringList({"nmplatform", "nmcd", "nmvendor", "nmtype", "nmexplicit",
+                                    "rating", "nmlabel", "memo", "nrcds", "TrackName"}));
+        QCOMPARE(checked.join(""), QString("0111100010"));
+        QCOMPARE(form.Check3[4]->text(),
+                 QString("Specific (r&&b, flight-sim, add-on, adventure, rpg, etc. )"));
+        QVERIFY(!form.Check2[0]->isEnabled() && !form.Check2[1]->isEnabled());
+        QVERIFY(form.Check2[2]->isChecked() && form.Check2[3]->isChecked());
+
+        form.show();
+        form.TabStrip1->setCurrentIndex(3);
+        QVERIFY(form.FrameTab[3]->isVisible() && !form.FrameTab[0]->isVisible());
+        form.Check2[3]->click();
+        QVERIFY(!form.OpenHtmlAfterExport);
+        form.Check2[0]->setEnabled(true);
+        form.Check2[0]->click();
+        QVERIFY(form.OverwriteTitles && !form.Check2[1]->isEnabled());
+    }
+
+    void playerFilesAndSearchEnableTheirChoices() {
+        const QString windows = folder_->path() + "/wine/drive_c/windows";
+        QDir().mkpath(windows);
+        QFile ini(windows + "/cdplayer.ini");
+        QVERIFY(ini.open(QIODevice::WriteOnly));
+        ini.close();
+        qputenv("WINEPREFIX", (folder_->path() + "/wine").toUtf8());
+        gSearchSQL = ViewSQL("all", 0, 0, QString());
+        frmExport form(gMainForm);
+        form.Form_Load();
+        QCOMPARE(form.IniPath, windows + "/cdplayer.ini");
+        QVERIFY(form.Check1[3]->isEnabled() && form.Option1[3]->isEnabled());
+        QVERIFY(!form.Check1[4]->isEnabled());
+    }
+
+    void selectionFollowsTheTreeNode() {
+        ScriptedDialogs dialogs;
+        struct Case {
+            QString key;
+            int option;
+            QString sql;
+            int titles;
+        };
+        const QList<Case> cases = {
+            {"root", 0, ViewSQL("platform", 0, 32767, ""), 5},
+            {"key1", 0, ViewSQL("platform", 0, 32767, "(1)"), 3},
+            {"key1key2", 0, ViewSQL("platformtype", 2, 0, "(1)"), 1},
+            {"key1key2", 1, ViewSQL("platform", 0, 0, "(1)"), 3},
+            {"key3", 1, ViewSQL("platform", 0, 0, "(3)"), 1},
+            {"key3", 2, ViewSQL("all", 0, 0, ""), 5},
+        };
+        for (const Case& c : cases) {
+            SelectNode(c.key);
+            frmExport form(gMainForm);
+            form.Form_Load();
+            form.Check1[0]->setChecked(false);
+            form.Check1[2]->setChecked(true);
+            form.Option1[c.option]->setChecked(true);
+            ScriptedChooser chooser;
+            form.cmdOK_Click();
+            QVERIFY2(form.ExportRecordset, qPrintable(c.key));
+            QCOMPARE(form.ExportRecordset->SQL(), c.sql);
+            QCOMPARE(chooser.calls.size(), 1);
+            form.ExportRecordset->MoveLast();
+            QCOMPARE(int(form.ExportRecordset->RecordCount()), c.titles);
+            QCOMPARE(form.result(), int(QDialog::Accepted));
+        }
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+
+        // The root with "Current platform" asks; only Yes exports everything.
+        SelectNode("root");
+        for (int answer : {int(vbNo), int(vbYes)}) {
+            frmExport form(gMainForm);
+            form.Form_Load();
+            form.Check1[0]->setChecked(false);
+            form.Check1[2]->setChecked(true);
+            form.Option1[1]->setChecked(true);
+            dialogs.answerMsgBox(answer);
+            ScriptedChooser chooser;
+            form.cmdOK_Click();
+            QCOMPARE(dialogs.msgBoxes.last().title, QString("Confirm"));
+            QCOMPARE(dialogs.msgBoxes.last().flags, 51);
+            QCOMPARE(chooser.calls.size(), answer == vbYes ? 1 : 0);
+            QCOMPARE(bool(form.ExportRecordset), answer == vbYes);
+        }
+    }
+
+    void driverBoxesKeepTheWindowOpen() {
+        ScriptedDialogs dialogs;
+        frmExport form(gMainForm);
+        form.Form_Load();
+        form.show();
+
+        // Only disabled destinations checked is no destination.
+        form.Check1[0]->setChecked(false);
+        form.Check1[3]->setChecked(true);
+        form.cmdOK_Click();
+        QCOMPARE(dialogs.msgBoxes.last().prompt,
+                 QString("Please select where you want to want to export your cd-titles to."));
+        QCOMPARE(dialogs.msgBoxes.last().flags, int(vbCritical));
+        QCOMPARE(dialogs.msgBoxes.last().title, QString("No destination given for export"));
+
+        form.Check1[1]->setChecked(true);
+        for (QCheckBox* field : form.Check3) field->setChecked(false);
+        form.cmdOK_Click();
+        QCOMPARE(dialogs.msgBoxes.last().prompt,
+                 QString("You want to export cd-titles, but didn't select any fields.\r\n\r\n"
+                         "Please correct this before continuing."));
+        QCOMPARE(dialogs.msgBoxes.last().title, QString("Fields"));
+
+        // An empty folder: each file destination says so, and the window stays.
+        gDatabase->Execute("delete from title");
+        form.Check3[1]->setChecked(true);
+        form.Check1[2]->setChecked(true);
+        ScriptedChooser chooser;
+        form.cmdOK_Click();
+        QCOMPARE(dialogs.msgBoxes.size(), 4);
+        QCOMPARE(dialogs.msgBoxes[2].title, QString("Exporting titles to clipboard"));
+        QCOMPARE(dialogs.msgBoxes[3].title, QString("Exporting titles to TAB-delimited file"));
+        QCOMPARE(dialogs.msgBoxes[3].prompt, QString("No titles to export."));
+        QVERIFY(chooser.calls.isEmpty());
+        QVERIFY(form.isVisible());
+    }
+
+    void twoDestinationsShareTheRowsAndAFailedWriterClosesAnyway() {
+        ScriptedDialogs dialogs;
+        SetDocumentOpener([](const QUrl&) { return true; });
+        SelectNode("root");
+        frmExport form(gMainForm);
+        form.Form_Load();
+        form.Check1[2]->setChecked(true);
+        ScriptedChooser chooser;
+        chooser.answers << folder_->file("page.html") << folder_->path();
+        form.show();
+        form.cmdOK_Click();
+        SetDocumentOpener({});
+        QCOMPARE(dialogs.prompts(),
+                 QStringList(
+                     {"5 titles have been exported to file '" + folder_->file("page.html") + "'.",
+                      "Could not export to file " + folder_->path() + "!"}));
+        QCOMPARE(form.result(), int(QDialog::Accepted));
+        QVERIFY(!form.isVisible());
+    }
+
+    void toolbarButtonOpensTheWindow() {
+        QString title;
+        testsupport::RejectNextModal([&title](QWidget* window) { title = window->windowTitle(); });
+        gMainForm->Toolbar1_ButtonClick("export");
+        QCOMPARE(title, QString("Export titles from Velmora - cd cataloger pro"));
+    }
+
+  private:
+    std::unique_ptr<TempProgramFolder> folder_;
+};
+
+VELMORA_TEST_MAIN(ExportWindowTest)
+#include "frmExport_test.moc"
