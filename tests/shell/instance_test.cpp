@@ -31,7 +31,7 @@ int RunProgram(const QString& folder) {
         std::fflush(stdout);
         return int(vbCancel);
     });
-    TerminationSignals signals;
+    TerminationSignals terminationSignals;
     QTimer::singleShot(0, [] {
         if (!gDatabase) return;
         std::printf("running\n");
