@@ -4,6 +4,9 @@
 #include "editor/frmEdit.h"
 #include "search/frmFind.h"
 #include "shell/frmMain.h"
+#include "toolkit/msgbox.h"
+#include "toolkit/vberror.h"
+#include "update/frmDownload.h"
 
 void frmMain::ShowEditor() {
     ShowEditForm();
@@ -20,6 +23,15 @@ void frmMain::ShowImportWindow() {}
 void frmMain::ShowExportWindow() {}
 
 bool frmMain::RunUpdate(QString& updateProgram) {
-    updateProgram.clear();
-    return false;
+    sUpdateProgram.clear();
+    frmDownload download(this);
+    bool downloaded = false;
+    try {
+        downloaded = download.Update();
+    } catch (const VbError& error) {
+        // A server value that is no number ends the check with the conversion's own message.
+        MsgBox(error.Description, vbCritical);
+    }
+    updateProgram = sUpdateProgram;
+    return downloaded;
 }
