@@ -1,5 +1,6 @@
 // The button bar and what its buttons run.
 
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 
@@ -101,7 +102,9 @@ void frmMain::RunUpdateCommand() {
     bUpdating_ = true;
     if (RunUpdate(updateProgram)) {
         if (!updateProgram.isEmpty() && QFileInfo(updateProgram).isFile()) {
-            QProcess::startDetached(updateProgram, {});
+            QFile::setPermissions(updateProgram,
+                                  QFile::permissions(updateProgram) | QFile::ExeOwner);
+            QProcess::startDetached(updateProgram, {}, QFileInfo(updateProgram).absolutePath());
             updateInProgress = true;
             Unload();
             bUpdating_ = false;

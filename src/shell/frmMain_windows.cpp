@@ -10,7 +10,9 @@
 #include "store/guardedfile.h"
 #include "toolkit/mHelp.h"
 #include "toolkit/msgbox.h"
+#include "toolkit/vberror.h"
 #include "toolkit/vbruntime.h"
+#include "update/frmDownload.h"
 
 void frmMain::ShowEditor() {
     ShowEditForm();
@@ -43,6 +45,15 @@ void frmMain::ShowExportWindow() {
 }
 
 bool frmMain::RunUpdate(QString& updateProgram) {
-    updateProgram.clear();
-    return false;
+    sUpdateProgram.clear();
+    frmDownload download(this);
+    bool downloaded = false;
+    try {
+        downloaded = download.Update();
+    } catch (const VbError& error) {
+        // A server value that is no number ends the check with the conversion's own message.
+        MsgBox(error.Description, vbCritical);
+    }
+    updateProgram = sUpdateProgram;
+    return downloaded;
 }
