@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QQueue>
+#include <QList>
 #include <QTcpServer>
 #include <QTcpSocket>
 
@@ -34,7 +34,7 @@ class TestHttpServer : public QObject {
     QByteArray body;
     // Paths with a body of their own; others get body.
     QHash<QByteArray, QByteArray> files;
-    QQueue<HttpAnswer> answers;
+    QList<HttpAnswer> answers;
     QStringList ranges;
     QStringList paths;
 
@@ -57,7 +57,7 @@ class TestHttpServer : public QObject {
         pending_.remove(socket);
         const HttpAnswer answer = answers.size() > 1  ? answers.dequeue()
                                   : answers.isEmpty() ? HttpAnswer{}
-                                                      : answers.head();
+                                                      : answers.first();
         const QByteArray& content = files.contains(path) ? files[path] : body;
         QByteArray statusLine = answer.statusLine;
         QByteArray sent = content;
