@@ -13,6 +13,7 @@
 #include "shell/frmMain.h"
 #include "shell/mGlobals.h"
 #include "store/dao.h"
+#include "toolkit/GCommonDialog.h"
 #include "toolkit/cCommonDialog.h"
 #include "toolkit/mRegistry.h"
 #include "toolkit/mUtility.h"
