@@ -30,6 +30,11 @@ QStringList Texts(QListWidget* list) {
 class DatabaseWindowTest : public QObject {
     Q_OBJECT
 
+  private:
+    TempProgramFolder* folder_ = nullptr;
+    ScriptedDialogs* dialogs_ = nullptr;
+    frmDatabase* form_ = nullptr;
+
   private slots:
     void init() {
         folder_ = new TempProgramFolder;

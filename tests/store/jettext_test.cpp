@@ -134,7 +134,7 @@ class JetTextTest : public QObject {
     void listSortsAsTheCatalogue() {
         TitleListModel model;
         std::vector<TitleRow> rows;
-        for (const QString& text : {"Video", "été", "etf", "atari Jaguar", "Ete"})
+        for (const char* text : {"Video", "été", "etf", "atari Jaguar", "Ete"})
             rows.push_back(TitleRow{"id", text, {}, "", 1});
         model.SetRows(std::move(rows));
         model.SetSorting(true, 0, Qt::AscendingOrder);

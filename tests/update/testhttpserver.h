@@ -55,7 +55,7 @@ class TestHttpServer : public QObject {
             }
         ranges << range;
         pending_.remove(socket);
-        const HttpAnswer answer = answers.size() > 1  ? answers.dequeue()
+        const HttpAnswer answer = answers.size() > 1  ? answers.takeFirst()
                                   : answers.isEmpty() ? HttpAnswer{}
                                                       : answers.first();
         const QByteArray& content = files.contains(path) ? files[path] : body;
