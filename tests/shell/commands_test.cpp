@@ -164,7 +164,8 @@ class CommandsTest : public QObject {
         for (QAction* button : bar->actions())
             keys << (button->isSeparator() ? QString("|") : button->data().toString());
         QCOMPARE(keys, QStringList({"addcd", "modifycd", "deletecd", "|", "maintenance", "search",
-                                    "|", "import", "export", "|", "help", "update", "|", "quit"}));
+                                    "finddisc", "|", "import", "export", "|", "help", "update", "|",
+                                    "quit"}));
         QCOMPARE(form()->ToolbarButton("maintenance")->text(), QString("Database"));
         QCOMPARE(form()->ToolbarButton("modifycd")->toolTip(),
                  QString("Modify information about the selected cd-title"));
