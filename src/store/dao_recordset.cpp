@@ -154,6 +154,8 @@ void Recordset::MoveNext() {
 
 void Recordset::MovePrevious() {
     d->RequireOpen();
+    // A forward-only walk never goes back, not even to a row it still holds.
+    if (d->type == dbOpenForwardOnly) Raise(3219);
     if (d->position < 0) Raise(jetNoCurrentRecord);
     d->RequireCached(d->position - 1);
     d->editMode = EditMode::None;

@@ -67,6 +67,26 @@ bool AnimatedGifCtl::ParseGif(const QByteArray& data) {
     return true;
 }
 
+namespace {
+
+// Qt's reader clips a frame to the logical screen, where the bitmap of a frame must hold all of
+// it (the canvas grows for a frame larger than the screen): the file's screen is widened to
+// cover the frame.
+QByteArray ScreenCoveringFrame(QByteArray file, const GifFrame& frame) {
+    const auto widen = [&file](int at, int needed) {
+        const int current = static_cast<unsigned char>(file[at]) |
+                            (static_cast<unsigned char>(file[at + 1]) << 8);
+        if (current >= needed) return;
+        file[at] = static_cast<char>(needed & 0xFF);
+        file[at + 1] = static_cast<char>((needed >> 8) & 0xFF);
+    };
+    widen(6, std::min(frame.iLeft + frame.iWidth, 0xFFFF));
+    widen(8, std::min(frame.iTop + frame.iHeight, 0xFFFF));
+    return file;
+}
+
+}  // namespace
+
 // Each frame goes through a file of its own, read back by Qt's GIF reader and deleted.
 void AnimatedGifCtl::LoadFramePictures() {
     for (int i = 0; i < stream_.frames.size(); ++i) {
@@ -74,11 +94,13 @@ void AnimatedGifCtl::LoadFramePictures() {
         {
             QTemporaryFile file(QDir::tempPath() + "/ " + QString::number(i) + "XXXXXX.CUSTOM");
             if (!file.open()) break;
-            file.write(CutGifFrame(stream_, i));
+            file.write(ScreenCoveringFrame(CutGifFrame(stream_, i), stream_.frames[i]));
             file.close();
             picture.load(file.fileName(), "GIF");
         }
         const GifFrame& frame = stream_.frames[i];
+        if (!picture.isNull())
+            picture = picture.copy(frame.iLeft, frame.iTop, frame.iWidth, frame.iHeight);
         if (!picture.isNull() && frame.bTransparent) {
             // Keep the transparent entry visible as its own colour; the drawing masks it.
             picture = picture.convertToFormat(QImage::Format_ARGB32);

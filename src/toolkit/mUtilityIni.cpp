@@ -54,19 +54,24 @@ void IniFile::parse(const QByteArray& bytes) {
     encoding_ = decoded.encoding;
     const QString& text = decoded.text;
     lines_.clear();
+    lineEnds_.clear();
     lineEnd_ = "\r\n";
-    endsWithLineEnd_ = true;
-    if (text.isEmpty()) {
-        sections_.clear();
-        return;
+    // Each line keeps the break it had, so that a file written with mixed breaks (a value
+    // holding a bare LF) reads back byte for byte.
+    qsizetype start = 0;
+    while (start < text.size()) {
+        qsizetype lf = text.indexOf('\n', start);
+        if (lf < 0) {
+            lines_.append(text.mid(start));
+            lineEnds_.append(QString());
+            break;
+        }
+        const bool crlf = lf > start && text[lf - 1] == '\r';
+        lines_.append(text.mid(start, lf - start - (crlf ? 1 : 0)));
+        lineEnds_.append(crlf ? "\r\n" : "\n");
+        if (lines_.size() == 1) lineEnd_ = lineEnds_.first();
+        start = lf + 1;
     }
-    const qsizetype firstBreak = text.indexOf('\n');
-    if (firstBreak >= 0) lineEnd_ = firstBreak > 0 && text[firstBreak - 1] == '\r' ? "\r\n" : "\n";
-    lines_ = text.split('\n');
-    endsWithLineEnd_ = lines_.last().isEmpty();
-    if (endsWithLineEnd_) lines_.removeLast();
-    for (QString& line : lines_)
-        if (line.endsWith('\r')) line.chop(1);
     indexSections();
 }
 
@@ -113,15 +118,18 @@ std::optional<QString> IniFile::value(const QString& section, const QString& key
 }
 
 void IniFile::insertLine(int at, const QString& line) {
+    if (at == lines_.size() && !lineEnds_.isEmpty() && lineEnds_.last().isEmpty())
+        lineEnds_.last() = lineEnd_;
     lines_.insert(at, line);
+    lineEnds_.insert(at, lineEnd_);
     for (int& header : sections_)
         if (header >= at) ++header;
 }
 
 void IniFile::addSection(const QString& section) {
     if (hasSection(section)) return;
-    if (!lines_.isEmpty() && !lines_.last().trimmed().isEmpty()) lines_.append(QString());
-    lines_.append('[' + section + ']');
+    if (!lines_.isEmpty() && !lines_.last().trimmed().isEmpty()) insertLine(lines_.size(), QString());
+    insertLine(lines_.size(), '[' + section + ']');
     sections_.insert(Folded(section), lines_.size() - 1);
 }
 
@@ -143,8 +151,8 @@ void IniFile::setValue(const QString& section, const QString& key, const QString
 }
 
 QString IniFile::text() const {
-    QString text = lines_.join(lineEnd_);
-    if (endsWithLineEnd_ && !lines_.isEmpty()) text += lineEnd_;
+    QString text;
+    for (qsizetype i = 0; i < lines_.size(); ++i) text += lines_[i] + lineEnds_[i];
     return text;
 }
 

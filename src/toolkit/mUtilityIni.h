@@ -44,8 +44,8 @@ class IniFile {
 
     QString path_;
     QStringList lines_;
+    QStringList lineEnds_;
     QString lineEnd_ = "\r\n";
-    bool endsWithLineEnd_ = true;
     TextEncoding encoding_ = TextEncoding::Windows1252;
     // Folded section name -> line of its first header.
     QHash<QString, int> sections_;
