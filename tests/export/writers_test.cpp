@@ -306,14 +306,15 @@ class WritersTest : public QObject {
                              "those 1 were skipped because of duplicates."));
         QCOMPARE(dialogs.msgBoxes[0].flags, int(vbInformation));
 
-        // Overwriting renews the keys in their places; track keys above the new count stay.
+        // Overwriting renews the keys in their places; track keys above the new count stay. A
+        // file of plain ASCII is taken for the players' code page and stays in it.
         form_->OverwriteTitles = true;
         form_->ShowSummary = false;
         WriteFile(ini, "[1A2B3C]\r\n0=a\r\n1=b\r\n2=c\r\n3=d\r\nnumtracks=4\r\n");
         Export(&frmExport::ExportToCdPlayerIni);
         QVERIFY(ReadBytes(ini).startsWith(
-            "[1A2B3C]\r\n0=Jóga\r\n1=Bachelorette\r\n2=Hunter\r\n3=d\r\nnumtracks=3\r\n"
-            "EntryType=1\r\nartist=Björk\r\ntitle=Homogénic\r\norder=0 1 2\r\nnumplay=3\r\n"));
+            "[1A2B3C]\r\n0=J\xF3ga\r\n1=Bachelorette\r\n2=Hunter\r\n3=d\r\nnumtracks=3\r\n"
+            "EntryType=1\r\nartist=Bj\xF6rk\r\ntitle=Homog\xE9nic\r\norder=0 1 2\r\nnumplay=3\r\n"));
     }
 
     void damagedOrUnwritableCdPlayerIniIsNeverCut() {

@@ -10,6 +10,7 @@
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "store/catalogue.h"
+#include "store/fieldsizes.h"
 #include "toolkit/vbruntime.h"
 
 TempProgramFolder::TempProgramFolder() : previousAppPath_(App.Path) {
@@ -47,6 +48,8 @@ void TempProgramFolder::openCatalogue() {
     gDatabasePath = file("data.gdb");
     gDatabasePassword = kDatabasePassword;
     OpenCatalogue();
+    // The start-up reads the column widths that every name check relies on.
+    ReadFieldSizes();
 }
 
 void TempProgramFolder::closeCatalogue() {
