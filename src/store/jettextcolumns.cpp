@@ -71,8 +71,8 @@ QString RebuiltDefinition(const QString& definition, const QString& table,
     QString rebuilt = definition;
     for (const TextColumn& column : columns) {
         const QRegularExpression declaration(
-            R"(((?:^|[(,])\s*["`\[]?)" + QRegularExpression::escape(column.name) +
-                R"((["`\]]?\s+)" + QRegularExpression::escape(column.declaredType) + ")",
+            R"re(((?:^|[(,])\s*["`\[]?))re" + QRegularExpression::escape(column.name) +
+                R"re((["`\]]?\s+))re" + QRegularExpression::escape(column.declaredType),
             QRegularExpression::CaseInsensitiveOption);
         rebuilt.replace(declaration, QString("\\1") + column.name + "\\2" + column.declaredType +
                                          " COLLATE " + jettext::kCollation);

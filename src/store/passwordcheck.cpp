@@ -6,8 +6,6 @@
 #include <QRandomGenerator>
 #include <QRegularExpression>
 
-const QString kDatabasePassword = QString::fromUtf8("~#*Ê¶,¬4q;[|øÕë=ÞÃÖ-");
-
 namespace passwordcheck {
 namespace {
 

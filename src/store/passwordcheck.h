@@ -4,8 +4,9 @@
 
 struct sqlite3;
 
-// The program's database password, a constant stored whole.
-extern const QString kDatabasePassword;
+// The program's database password, a constant stored whole. Inline, so that constants built
+// from it in other files never see it unmade.
+inline const QString kDatabasePassword = QString::fromUtf8("~#*Ê¶,¬4q;[|øÕë=ÞÃÖ-");
 
 // SQLite has no password, so a catalogue keeps a check of the program's password inside the
 // file: a salted hash in a table of its own. Opening with another password is then refused.
