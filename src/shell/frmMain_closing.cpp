@@ -82,6 +82,7 @@ void frmMain::Form_Unload() {
         WriteUpdateProgramValues();
     }
 
+    if (instance_) instance_->Release();
     if (gSplashForm) gSplashForm->Unload();
     UnSubClassMenu(this);
     gMainForm = nullptr;

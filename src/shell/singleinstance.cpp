@@ -55,8 +55,13 @@ SingleInstance::SingleInstance(const QString& folder, QObject* parent)
 }
 
 SingleInstance::~SingleInstance() {
+    Release();
+}
+
+void SingleInstance::Release() {
     auto claim = Claims().find(folder_);
     if (claim != Claims().end() && claim->owner == this) claim->owner = nullptr;
+    if (server_) server_->close();
 }
 
 bool SingleInstance::Claim() {

@@ -19,6 +19,9 @@ class SingleInstance : public QObject {
     bool AskPreviousInstanceToRaise();
     // Starts answering later starts; onRaise runs when one asks.
     void Listen(std::function<void()> onRaise);
+    // The window gives the folder up; the process keeps the lock, so that only a window of
+    // this same process may claim it again.
+    void Release();
 
   private:
     QString folder_;

@@ -61,6 +61,9 @@ void TempProgramFolder::closeCatalogue() {
 }
 
 frmMain* StartProgram() {
+    // Every start in a test is a new run: nothing of an earlier run's title or password is left.
+    App.Title = AppObject{}.Title;
+    gDatabasePassword.clear();
     gSplashForm = new frmSplash();
     gSplashForm->show();
     gMainForm = new frmMain();
