@@ -32,11 +32,15 @@ int RunProgram(const QString& folder) {
         return int(vbCancel);
     });
     TerminationSignals terminationSignals;
-    QTimer::singleShot(0, [] {
-        if (!gDatabase) return;
+    // The start-up spins the event loop before the catalogue is open; the line comes once it is.
+    auto* watch = new QTimer(qApp);
+    QObject::connect(watch, &QTimer::timeout, [watch] {
+        if (!gDatabase || !gMainForm || !gMainForm->isVisible()) return;
+        watch->stop();
         std::printf("running\n");
         std::fflush(stdout);
     });
+    watch->start(20);
     return SubMain();
 }
 
