@@ -13,7 +13,7 @@ class KeyDownWatcher : public QObject {
     using QObject::QObject;
 
     bool CameHere(const QObject* control, const QKeyEvent* keyUp) const {
-        return keyUp == release_ && control == releaseTarget_ && releaseMatched_;
+        return SameDelivery(keyUp, release_) && control == releaseTarget_ && releaseMatched_;
     }
 
   protected:
@@ -25,13 +25,13 @@ class KeyDownWatcher : public QObject {
         if (event->type() == QEvent::KeyPress) {
             // A key-down that the control leaves alone goes on to its parents; it still came
             // to the control.
-            if (key == press_ && IsAncestorOfTarget(receiver)) return false;
-            press_ = key;
+            if (SameDelivery(key, press_) && IsAncestorOfTarget(receiver)) return false;
+            press_ = Delivery::Of(key);
             target_ = static_cast<QWidget*>(receiver);
             key_ = key->key();
         } else if (event->type() == QEvent::KeyRelease && !key->isAutoRepeat()) {
-            if (key == release_ && IsAncestorOf(receiver, releaseTarget_)) return false;
-            release_ = key;
+            if (SameDelivery(key, release_) && IsAncestorOf(receiver, releaseTarget_)) return false;
+            release_ = Delivery::Of(key);
             releaseTarget_ = receiver;
             releaseMatched_ = target_ == receiver && key_ == key->key();
             // The press is used up, whatever came of it.
@@ -41,6 +41,21 @@ class KeyDownWatcher : public QObject {
     }
 
   private:
+    // One event on its way from a control up to its parents. The address alone could be that
+    // of a later event made at the same place.
+    struct Delivery {
+        const QKeyEvent* event = nullptr;
+        quint64 timestamp = 0;
+        int key = 0;
+        static Delivery Of(const QKeyEvent* event) {
+            return {event, event->timestamp(), event->key()};
+        }
+    };
+    static bool SameDelivery(const QKeyEvent* event, const Delivery& delivery) {
+        return event == delivery.event && event->timestamp() == delivery.timestamp &&
+               event->key() == delivery.key;
+    }
+
     static bool IsAncestorOf(const QObject* ancestor, const QObject* widget) {
         for (const QObject* parent = widget ? widget->parent() : nullptr; parent;
              parent = parent->parent())
@@ -51,12 +66,11 @@ class KeyDownWatcher : public QObject {
         return IsAncestorOf(receiver, target_.data());
     }
 
-    // Compared by address only, while the same event is being delivered.
-    const QKeyEvent* press_ = nullptr;
-    const QKeyEvent* release_ = nullptr;
+    Delivery press_;
+    Delivery release_;
     QPointer<QWidget> target_;
     int key_ = 0;
-    const QObject* releaseTarget_ = nullptr;
+    QPointer<QObject> releaseTarget_;
     bool releaseMatched_ = false;
 };
 

@@ -244,8 +244,10 @@ class frmEditTest : public QObject {
         vendors->setFocus();
         const long before = TitleCount();
 
+        // The open list holds the keyboard: key-downs go to it, the key-up after it closed comes
+        // to the window.
         vendors->showPopup();
-        QTest::keyPress(form->windowHandle(), Qt::Key_Escape);
+        QTest::keyPress(vendors->view(), Qt::Key_Escape);
         QVERIFY(!vendors->view()->isVisible());
         QTest::keyRelease(form->windowHandle(), Qt::Key_Escape);
         QVERIFY(form && form->isVisible());
@@ -253,8 +255,8 @@ class frmEditTest : public QObject {
 
         vendors->showPopup();
         const int first = vendors->view()->currentIndex().row();
-        QTest::keyClick(form->windowHandle(), Qt::Key_Down);
-        QTest::keyPress(form->windowHandle(), Qt::Key_Return);
+        QTest::keyClick(vendors->view(), Qt::Key_Down);
+        QTest::keyPress(vendors->view(), Qt::Key_Return);
         QVERIFY(!vendors->view()->isVisible());
         QTest::keyRelease(form->windowHandle(), Qt::Key_Return);
         QVERIFY(form && form->isVisible());
