@@ -447,6 +447,8 @@ void frmEdit::Unload() {
     QDialog::done(QDialog::Rejected);
     if (gEditForm == this) gEditForm = nullptr;
     deleteLater();
+    // A main window on its way out (the program was told to end) has no list to refresh.
+    if (!gMainForm) return;
     RefreshIfDirty();
     SelectTitleInList(gCurrentTitleId);
 }
