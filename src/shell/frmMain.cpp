@@ -244,7 +244,7 @@ void frmMain::moveEvent(QMoveEvent* event) {
 
 void frmMain::Form_Resize() {
     if (isMinimized() || unloaded_ || !isVisible()) return;
-    // The limits are the window's outer measure in twips, as the design gives them.
+    // The limits are the window's outer measure in twips.
     const QRect outer = frameGeometry();
     const int screenHeightTwips =
         QGuiApplication::primaryScreen()->geometry().height() * kTwipsPerPixel;

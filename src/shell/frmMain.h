@@ -229,7 +229,7 @@ class frmMain : public QMainWindow {
     // The owner-drawn menus, with their help texts in the status bar's first panel.
     void InstallCoolMenus();
     void InstallCommandEvents();
-    // caption is a design caption: "|help|&Caption", or "-" for a separator.
+    // caption is a source caption: "|help|&Caption", or "-" for a separator.
     QAction* AddMenuItem(QMenu* menu, const QString& name, const QString& caption,
                          void (frmMain::*command)() = nullptr);
     // The folder commands' target: the node under the right click, else the selected one.

@@ -1,10 +1,10 @@
 #pragma once
 
-// The menu engine: turns a window's menus, written with design captions, into menus that the
+// The menu engine: turns a window's menus, written with source captions, into menus that the
 // program draws itself, with a picture beside an item, check and option marks, a selection bar
 // and a help text per item that goes to the window's HelpCallBack as the user walks the menu.
 //
-// A design caption is a marker, optional help and the caption proper:
+// A source caption is a marker, optional help and the caption proper:
 //   "|Add a new CD-title|&New CD-title"   help, then the caption with its accelerator
 //   "-" or "-|help|Text"                  a separator, which may keep a text
 //   "#..." / "*..."                       an item with a check mark / an option mark
@@ -51,9 +51,9 @@ class CMyItemDatas {
 
 constexpr int kMenuSeparatorType = 0x800;
 
-// The parts of a design caption: marker, help and caption proper.
+// The parts of a source caption: marker, help and caption proper.
 CMyItemData ParseMenuCaption(const QString& caption);
-// The design caption an item was converted from.
+// The source caption an item was converted from.
 QString RebuildMenuCaption(const CMyItemData& item);
 // The 1-based index of the first picture whose tag starts like text (or text like the tag),
 // without regard to case; 0 when none does. Empty tags and empty texts never match.
@@ -64,7 +64,7 @@ void ConvertMenu(QMenu* menu, WndCoolMenu* window, bool convert, bool mainMenu =
 // Installs the engine on window: every menu the window owns is converted, pictures come from
 // images, the help of the item under the pointer or the keys goes to help.
 WndCoolMenu* SubClassMenu(QWidget* window, const QList<ListImage>& images, HelpCallBack* help);
-// Restores the window's menus to their design captions and forgets the window.
+// Restores the window's menus to their source captions and forgets the window.
 void UnSubClassMenu(QWidget* window);
 // The engine's state of window, or null.
 WndCoolMenu* CoolMenuWindow(const QWidget* window);

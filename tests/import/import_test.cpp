@@ -199,7 +199,7 @@ class ImportTest : public QObject {
         QCOMPARE(again.DeluxeDuplicates, 4);
         QCOMPARE(Count("Tracks"), tracks);
 
-        // A file that is no database gets the design's box.
+        // A file that is no database gets its own box.
         WriteFile(folder->file("broken.mdb"), "garbage");
         again.DeluxePath = folder->file("broken.mdb");
         again.ImportDeluxeDatabase();

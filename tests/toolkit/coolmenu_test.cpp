@@ -73,7 +73,7 @@ class CoolMenuTest : public QObject {
         frmMain* form = StartProgram();
         QVERIFY(form);
 
-        // Converted from their design captions, with pictures found by their help.
+        // Converted from their source captions, with pictures found by their help.
         QCOMPARE(form->mnuNewCD->text(), QString("&New CD-title"));
         QVERIFY(form->mnuSeperator4->isSeparator());
         for (QAction* item :
