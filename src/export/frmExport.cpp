@@ -150,8 +150,7 @@ void frmExport::Form_Load() {
 
     DeluxePath =
         GetRegistryValue(kDeluxeKey, "DefaultDir") + "/" + GetRegistryValue(kDeluxeKey, "DBQ");
-    Check1[4]->setEnabled(DestinationWriter(4) && !DeluxePath.startsWith("Err") &&
-                          QFileInfo(DeluxePath).isFile());
+    Check1[4]->setEnabled(!DeluxePath.startsWith("Err") && QFileInfo(DeluxePath).isFile());
 
     if (!gSearchSQL.isEmpty()) Option1[3]->setEnabled(true);
 }
@@ -188,11 +187,9 @@ void frmExport::SetMousePointer(int pointer) {
 }
 
 frmExport::Writer frmExport::DestinationWriter(int index) const {
-    // The Deluxe database writer is not part of the program yet; until it is, that destination
-    // is shown disabled, as when the player's database is missing.
     static const std::array<Writer, 5> writers = {
         &frmExport::ExportToHtml, &frmExport::ExportToClipboard, &frmExport::ExportToTabFile,
-        &frmExport::ExportToCdPlayerIni, nullptr};
+        &frmExport::ExportToCdPlayerIni, &frmExport::ExportToDeluxe};
     return writers[index];
 }
 

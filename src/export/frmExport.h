@@ -38,6 +38,7 @@ class frmExport : public QDialog {
     void ExportToClipboard(long& Count);
     void ExportToTabFile(long& Count);
     void ExportToCdPlayerIni(long& Count);
+    void ExportToDeluxe(long& Count);
 
     int MousePointer() const { return mousePointer_; }
     void SetMousePointer(int pointer);

@@ -251,7 +251,6 @@ class frmMain : public QMainWindow {
     int mousePointer_ = 0;
     bool loading_ = false;
     bool unloaded_ = false;
-    bool catalogueOpened_ = false;
     QList<StatusPanel*> panels_;
     SingleInstance* instance_ = nullptr;
     QList<QTreeWidgetItem*> nodes_;

@@ -175,6 +175,42 @@ std::vector<QVariant> Writer::ReadRow(const QString& table, RowLocation row) {
     return DecodeRow(definition, RowBytes(file_->Page(actual.page), actual.row));
 }
 
+namespace {
+
+// Values from the reader's copy and from the file's bytes may differ in type (a whole number
+// read as a double, a date as text); they are equal when they mean the same.
+bool SameValue(const QVariant& a, const QVariant& b) {
+    if (IsNull(a) || IsNull(b)) return IsNull(a) && IsNull(b);
+    bool aNumeric = false, bNumeric = false;
+    const double aNumber = a.toDouble(&aNumeric), bNumber = b.toDouble(&bNumeric);
+    if (aNumeric && bNumeric) return aNumber == bNumber;
+    return a.toString() == b.toString();
+}
+
+}  // namespace
+
+RowLocation Writer::FindRow(const QString& tableName, const std::vector<QVariant>& values) {
+    const TableDefinition& definition = Table(tableName);
+    for (uint32_t pageNumber : UsageMapPages(*file_, definition.ownedPagesMap)) {
+        if (pageNumber >= file_->PageCount()) continue;
+        const QByteArray& page = file_->Page(pageNumber);
+        if (uint8_t(page[0]) != kDataPage || DataPageTable(page) != definition.page) continue;
+        for (int row = 0; row < DataPageRowCount(page); ++row) {
+            // A deleted row, or the far end of a moved one, is reached through its first place.
+            if (RowFlags(page, row) & kRowDeleted) continue;
+            const RowLocation location{pageNumber, uint8_t(row)};
+            const RowLocation actual = FollowOverflow(location);
+            const std::vector<QVariant> stored =
+                DecodeRow(definition, RowBytes(file_->Page(actual.page), actual.row));
+            bool same = stored.size() == values.size();
+            for (size_t i = 0; same && i < values.size(); ++i)
+                same = SameValue(stored[i], values[i]);
+            if (same) return location;
+        }
+    }
+    throw WriteError(kErrorCorrupt, "The row to change is no longer in table " + tableName + ".");
+}
+
 void Writer::ChangeRow(const QString& tableName, RowLocation row,
                        const std::vector<QVariant>& values) {
     TableState& table = State(tableName);

@@ -29,6 +29,9 @@ class Writer {
     // Replaces all values of the row at the location (as the file's readers report it).
     void ChangeRow(const QString& table, RowLocation row, const std::vector<QVariant>& values);
     std::vector<QVariant> ReadRow(const QString& table, RowLocation row);
+    // The first live row of the table that holds these values (Null matching Null), at the
+    // location its readers know it by; throws when there is none.
+    RowLocation FindRow(const QString& table, const std::vector<QVariant>& values);
     // Values for the table's columns from names (any case); columns not named are Null.
     std::vector<QVariant> ValuesByName(const QString& table, const QVariantHash& named);
     // The file's pages as the writer sees them, for checks of what was written.

@@ -74,8 +74,8 @@ namespace {
 // cover the frame.
 QByteArray ScreenCoveringFrame(QByteArray file, const GifFrame& frame) {
     const auto widen = [&file](int at, int needed) {
-        const int current = static_cast<unsigned char>(file[at]) |
-                            (static_cast<unsigned char>(file[at + 1]) << 8);
+        const int current =
+            static_cast<unsigned char>(file[at]) | (static_cast<unsigned char>(file[at + 1]) << 8);
         if (current >= needed) return;
         file[at] = static_cast<char>(needed & 0xFF);
         file[at + 1] = static_cast<char>((needed >> 8) & 0xFF);

@@ -128,7 +128,8 @@ void IniFile::insertLine(int at, const QString& line) {
 
 void IniFile::addSection(const QString& section) {
     if (hasSection(section)) return;
-    if (!lines_.isEmpty() && !lines_.last().trimmed().isEmpty()) insertLine(lines_.size(), QString());
+    if (!lines_.isEmpty() && !lines_.last().trimmed().isEmpty())
+        insertLine(lines_.size(), QString());
     insertLine(lines_.size(), '[' + section + ']');
     sections_.insert(Folded(section), lines_.size() - 1);
 }

@@ -91,11 +91,6 @@ inline void TypeTracks(frmEdit* form, const QStringList& lines) {
     QTest::mouseClick(form->cmdTracks, Qt::LeftButton);
 }
 
-inline QVariant Scalar(const QString& sql) {
-    auto records = gDatabase->OpenRecordset(sql, dbOpenSnapshot);
-    return records->IsEOF() ? QVariant() : records->Fields(0).Value();
-}
-
 inline long TitleCount() {
     return Scalar("select count(*) from title").toLongLong();
 }

@@ -12,11 +12,6 @@ void WriteFile(const QString& path, const QByteArray& bytes) {
     file.write(bytes);
 }
 
-QVariant Scalar(const QString& sql) {
-    auto rs = gDatabase->OpenRecordset(sql);
-    return rs->IsEOF() ? QVariant() : rs->Fields(0).Value();
-}
-
 long Count(const QString& where) {
     return Scalar("select count(*) from " + where).toLongLong();
 }

@@ -60,6 +60,11 @@ void TempProgramFolder::closeCatalogue() {
     }
 }
 
+QVariant Scalar(const QString& sql) {
+    auto records = gDatabase->OpenRecordset(sql, dbOpenSnapshot);
+    return records->IsEOF() ? QVariant() : records->Fields(0).Value();
+}
+
 frmMain* StartProgram() {
     // Every start in a test is a new run: nothing of an earlier run's title or password is left.
     App.Title = AppObject{}.Title;

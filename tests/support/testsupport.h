@@ -65,6 +65,8 @@ class QTreeWidgetItem;
 // Starts the program in App.Path as its entry point does (splash, main window, start-up), and
 // returns the main window, or null when the start-up ended the program.
 frmMain* StartProgram();
+// The first column of the first row the open catalogue gives for sql; invalid when none.
+QVariant Scalar(const QString& sql);
 // Ends a running program through its exit, as Quit does.
 void EndProgram();
 // The running main window's tree node with key, or null.

@@ -1,0 +1,51 @@
+#include "store/jetfilewriter.h"
+
+#include "store/jetwriteerror.h"
+#include "store/jetwriter.h"
+
+namespace {
+
+class FileJetWriter : public JetWriter {
+  public:
+    explicit FileJetWriter(const QString& path) : writer_(path) {}
+
+    void Apply(const JetRowChange& change) override {
+        switch (change.kind) {
+            case JetRowChange::Added:
+                writer_.AppendRow(change.table, Values(change, change.after));
+                break;
+            case JetRowChange::Changed:
+                writer_.ChangeRow(change.table,
+                                  writer_.FindRow(change.table, Values(change, change.before)),
+                                  Values(change, change.after));
+                break;
+            case JetRowChange::Deleted:
+                throw jet::WriteError(jet::kErrorUnsupported,
+                                      "Rows of table " + change.table +
+                                          " cannot be deleted; this writer adds and changes rows "
+                                          "only.");
+        }
+    }
+
+  private:
+    std::vector<QVariant> Values(const JetRowChange& change, const QVariantList& values) {
+        QVariantHash named;
+        for (qsizetype i = 0; i < change.columns.size() && i < values.size(); ++i)
+            named.insert(change.columns[i], values[i]);
+        return writer_.ValuesByName(change.table, named);
+    }
+
+    jet::Writer writer_;
+};
+
+}  // namespace
+
+ScopedJetFileWriter::ScopedJetFileWriter() {
+    SetJetWriterFactory([](const QString& path) -> std::unique_ptr<JetWriter> {
+        return std::make_unique<FileJetWriter>(path);
+    });
+}
+
+ScopedJetFileWriter::~ScopedJetFileWriter() {
+    SetJetWriterFactory({});
+}
