@@ -23,18 +23,22 @@ void AddTitles(jet::Writer& writer, int first, int count) {
 
 }  // namespace
 
+QString MakeDeluxeFile(const QString& folder, int titles) {
+    const QString path = folder + "/deluxe.mdb";
+    QFile::remove(path);
+    if (!QFile::copy(QStringLiteral(VELMORA_FIXTURES_DIR "/jet/cd_pk.mdb"), path) ||
+        !QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner))
+        throw VbError(0, "the Deluxe test file cannot be copied");
+    jet::Writer writer(path);
+    AddTitles(writer, 1, titles - 4);
+    return path;
+}
+
 std::vector<double> TimeDeluxeWrite(int runs) {
     std::vector<double> times;
     for (int run = 0; run < runs; ++run) {
         QTemporaryDir folder;
-        const QString path = folder.filePath("deluxe.mdb");
-        if (!QFile::copy(QStringLiteral(VELMORA_FIXTURES_DIR "/jet/cd_pk.mdb"), path) ||
-            !QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner))
-            throw VbError(0, "the Deluxe test file cannot be copied");
-        {
-            jet::Writer writer(path);
-            AddTitles(writer, 1, 296);
-        }
+        const QString path = MakeDeluxeFile(folder.path(), 300);
         QElapsedTimer clock;
         clock.start();
         {

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "bench/deluxescenarios.h"
 #include "bench/syntheticcatalogue.h"
 #include "export/frmExport.h"
 #include "lookups/viewqueries.h"
@@ -111,5 +112,14 @@ std::vector<double> TimeCdPlayerIniExport(int titles, int runs) {
                           QFile ini(form.IniPath);
                           if (!ini.open(QIODevice::WriteOnly) || ini.write(others) != others.size())
                               throw VbError(0, "cannot write " + form.IniPath);
+                      });
+}
+
+std::vector<double> TimeDeluxeExport(int titles, int runs) {
+    return TimeWriter(titles, runs, &frmExport::ExportToDeluxe,
+                      [](frmExport& form, const QTemporaryDir& dir) {
+                          // The Deluxe file takes artists of audio discs only.
+                          gDatabase->Execute("update vendor set idplatform = 1");
+                          form.DeluxePath = MakeDeluxeFile(dir.path(), 300);
                       });
 }

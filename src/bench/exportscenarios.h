@@ -11,3 +11,5 @@ std::vector<double> TimeTabExport(int titles, int runs);
 std::vector<double> TimeClipboardExport(int titles, int runs);
 // titles audio discs into a cdplayer.ini that already holds as many other discs.
 std::vector<double> TimeCdPlayerIniExport(int titles, int runs);
+// titles audio discs into a Deluxe CD player database that already holds 300 other titles.
+std::vector<double> TimeDeluxeExport(int titles, int runs);

@@ -15,9 +15,9 @@
 #include <memory>
 
 #include "bench/deluxescenarios.h"
-#include "bench/importscenarios.h"
 #include "bench/discscenarios.h"
 #include "bench/exportscenarios.h"
+#include "bench/importscenarios.h"
 #include "bench/searchscenarios.h"
 #include "bench/syntheticcatalogue.h"
 #include "shell/frmMain.h"
@@ -190,6 +190,11 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
         {"compaction-32767",
          [](Catalogues& c, int runs) {
              Report("Compaction 32767 titles", TimeCompaction(c.FolderFor(32767), runs));
+         }},
+        {"export-deluxe-1000",
+         [](Catalogues&, int runs) {
+             Report("Export 1000 titles x 12 tracks to a Deluxe file of 300 titles",
+                    TimeDeluxeExport(1000, runs));
          }},
         {"deluxe-write-1000x12",
          [](Catalogues&, int runs) {

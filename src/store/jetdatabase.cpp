@@ -184,6 +184,12 @@ void CopyTable(const Connection& connection, MdbCatalogEntry* entry, int jetVers
         sqlite3_reset(insert);
     }
     sqlite3_finalize(insert);
+    // Rows are looked up one at a time by their long-integer keys (identities, references);
+    // indexed, such a lookup does not read the whole table.
+    for (const MirrorColumn& column : columns)
+        if (column.type == MDB_LONGINT)
+            Exec(connection, "CREATE INDEX " + Quoted(name + "\x1f" + column.name) + " ON " +
+                                 Quoted(name) + " (" + Quoted(column.name) + ")");
 }
 
 }  // namespace
