@@ -1,10 +1,10 @@
 #include "bench/importscenarios.h"
 
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "bench/deluxescenarios.h"
 #include "import/frmImport.h"
 #include "store/catalogue.h"
 #include "toolkit/GCommonDialog.h"
@@ -15,7 +15,7 @@
 namespace {
 
 void InstallCatalogue(const QString& folder) {
-    const QString templatePath = QCoreApplication::applicationDirPath() + "/data.dll";
+    const QString templatePath = VELMORA_TEMPLATE_PATH;
     for (const QString& name : {QString("data.dll"), QString("data.gdb")}) {
         QFile::remove(folder + "/" + name);
         if (!QFile::copy(templatePath, folder + "/" + name))
@@ -157,5 +157,30 @@ std::vector<double> TimeCdPlayerIniImport(int sections, int runs) {
         CloseCatalogue();
     }
     qunsetenv("WINEPREFIX");
+    return times;
+}
+
+std::vector<double> TimeDeluxeImport(int titles, int runs) {
+    QTemporaryDir files;
+    const QString path = MakeDeluxeFile(files.path(), titles);
+    std::vector<double> times;
+    for (int run = 0; run < runs; ++run) {
+        QTemporaryDir folder;
+        InstallCatalogue(folder.path());
+        frmImport window;
+        window.Form_Load();
+        ChooseDefaults(window);
+        window.ShowSummary = false;
+        window.DeluxePath = path;
+        QElapsedTimer timer;
+        timer.start();
+        window.ImportDeluxeDatabase();
+        times.push_back(Milliseconds(timer));
+        if (window.DeluxeTried != titles || window.DeluxeDuplicates != 0)
+            throw VbError(0, QString("%1 of %2 titles failed")
+                                 .arg(window.DeluxeDuplicates)
+                                 .arg(window.DeluxeTried));
+        CloseCatalogue();
+    }
     return times;
 }

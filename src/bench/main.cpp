@@ -20,6 +20,7 @@
 #include "bench/importscenarios.h"
 #include "bench/searchscenarios.h"
 #include "bench/syntheticcatalogue.h"
+#include "bench/updatescenarios.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
@@ -179,6 +180,14 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
         {"import-cdplayer-1000",
          [](Catalogues&, int runs) {
              Report("cdplayer.ini import 1000 sections", TimeCdPlayerIniImport(1000, runs));
+         }},
+        {"import-deluxe-300",
+         [](Catalogues&, int runs) {
+             Report("Deluxe import 300 titles x 12 tracks", TimeDeluxeImport(300, runs));
+         }},
+        {"gif-load-spinner",
+         [](Catalogues&, int runs) {
+             Report("Load the download window's spinner GIF", TimeSpinnerLoad(runs));
          }},
         {"readdisc-20-tracks",
          [](Catalogues& c, int runs) {

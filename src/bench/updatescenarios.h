@@ -1,0 +1,8 @@
+#pragma once
+
+// Timings of the live update's parts: one time in milliseconds per run.
+
+#include <vector>
+
+// The download window's animated picture loaded from the program's resources, frames cut.
+std::vector<double> TimeSpinnerLoad(int runs);
