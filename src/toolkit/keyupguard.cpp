@@ -20,16 +20,18 @@ class KeyDownWatcher : public QObject {
     // Sees every delivery before the receiver does. Window-system objects pass the key on to
     // a widget; only widgets count.
     bool eventFilter(QObject* receiver, QEvent* event) override {
-        if (!receiver->isWidgetType()) return false;
+        const bool press = event->type() == QEvent::KeyPress;
+        if (!receiver->isWidgetType() || (!press && event->type() != QEvent::KeyRelease))
+            return false;
         const auto* key = static_cast<QKeyEvent*>(event);
-        if (event->type() == QEvent::KeyPress) {
+        if (press) {
             // A key-down that the control leaves alone goes on to its parents; it still came
             // to the control.
             if (SameDelivery(key, press_) && IsAncestorOfTarget(receiver)) return false;
             press_ = Delivery::Of(key);
             target_ = static_cast<QWidget*>(receiver);
             key_ = key->key();
-        } else if (event->type() == QEvent::KeyRelease && !key->isAutoRepeat()) {
+        } else if (!key->isAutoRepeat()) {
             if (SameDelivery(key, release_) && IsAncestorOf(receiver, releaseTarget_)) return false;
             release_ = Delivery::Of(key);
             releaseTarget_ = receiver;
