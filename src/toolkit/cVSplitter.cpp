@@ -195,9 +195,12 @@ bool cVSplitter::eventFilter(QObject* watched, QEvent* event) {
         }
         return false;
     }
-    if (watched != fraSplit) return false;
+    const QEvent::Type type = event->type();
+    if (watched != fraSplit || (type != QEvent::MouseButtonPress && type != QEvent::MouseMove &&
+                                type != QEvent::MouseButtonRelease))
+        return false;
     const auto* mouse = static_cast<QMouseEvent*>(event);
-    switch (event->type()) {
+    switch (type) {
         case QEvent::MouseButtonPress:
             if (mouse->button() == Qt::LeftButton) fraSplit_MouseDown(int(mouse->position().x()));
             return true;
