@@ -21,9 +21,15 @@ class JetWriterKillTest : public QObject {
         QRandomGenerator random(2026);
         const int rounds = 10;
         for (int round = 1; round <= rounds; ++round) {
+            // The child tells of every title it wrote, so that each kill falls after a random
+            // number of titles and at a random moment inside the next one, however fast the
+            // machine (or the sanitizers) make the writer.
+            int progress[2];
+            QVERIFY(pipe(progress) == 0);
             const pid_t child = fork();
             QVERIFY(child >= 0);
             if (child == 0) {
+                ::close(progress[0]);
                 try {
                     jet::Writer writer(path);
                     for (int i = 0;; ++i) {
@@ -32,15 +38,22 @@ class JetWriterKillTest : public QObject {
                             "Titles", {id, "Killed artist", QStringLiteral("Title %1").arg(i), 2});
                         writer.AppendRow("Tracks", {id, 0, "First"});
                         writer.AppendRow("Tracks", {id, 1, "Second"});
+                        if (::write(progress[1], "t", 1) != 1) _exit(3);
                     }
                 } catch (...) {
                     _exit(2);
                 }
             }
-            usleep(useconds_t(random.bounded(20000, 120000)));
+            ::close(progress[1]);
+            const int titlesBeforeKill = random.bounded(10, 40);
+            char told = 0;
+            for (int seen = 0; seen < titlesBeforeKill; ++seen)
+                QVERIFY(::read(progress[0], &told, 1) == 1);
+            usleep(useconds_t(random.bounded(0, 3000)));
             kill(child, SIGKILL);
             int status = 0;
             waitpid(child, &status, 0);
+            ::close(progress[0]);
             QVERIFY2(WIFSIGNALED(status), "the writer stopped before it was killed");
         }
         int exitCode = -1;
