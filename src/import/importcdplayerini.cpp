@@ -25,27 +25,6 @@ struct IniDisc {
     }
 };
 
-long VendorOf(const QString& artist) {
-    // The artist goes in as it stands: an apostrophe breaks the statement, and the trap takes
-    // the disc as refused.
-    auto rs = gDatabase->OpenRecordset(
-        "select * from vendor where idplatform = 1 and nmvendor = '" + artist + "'");
-    long idvendor = 0;
-    bool found = false;
-    for (; !rs->IsEOF(); rs->MoveNext()) {
-        idvendor = (*rs)["idvendor"].toLongLong();
-        found = true;
-    }
-    if (found) return idvendor;
-    auto vendor = gDatabase->OpenRecordset("vendor");
-    vendor->AddNew();
-    vendor->Fields("idplatform").SetValue(1);
-    vendor->Fields("nmvendor").SetValue(artist);
-    idvendor = (*vendor)["idvendor"].toLongLong();
-    vendor->Update();
-    return idvendor;
-}
-
 void AddTracks(const IniDisc& disc, long idcd) {
     const int count = static_cast<int>(std::floor(Val(disc.Value("numtracks", "1"))));
     auto tracks =
@@ -91,7 +70,7 @@ void frmImport::ImportCdPlayerIni() {
         const IniDisc disc{IniPath, sections[s]};
         long idvendor = 0;
         try {
-            idvendor = VendorOf(disc.Value("artist"));
+            idvendor = AudioVendorId(disc.Value("artist"));
             auto title = gDatabase->OpenRecordset("title");
             title->AddNew();
             title->Fields("nmcd").SetValue(disc.Value("title"));

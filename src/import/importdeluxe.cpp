@@ -15,26 +15,6 @@ namespace {
 const QString kNoArtistYet = "qolvnspaht52x";
 constexpr qint64 kNoTitleYet = -4543243;
 
-long VendorOf(const QString& artist) {
-    auto rs = gDatabase->OpenRecordset(
-        "select * from vendor where idplatform = 1 and nmvendor = '" + artist + "'");
-    long idvendor = 0;
-    bool found = false;
-    for (; !rs->IsEOF(); rs->MoveNext()) {
-        idvendor = (*rs)["idvendor"].toLongLong();
-        found = true;
-    }
-    if (found) return idvendor;
-    auto vendor = gDatabase->OpenRecordset("vendor");
-    vendor->AddNew();
-    vendor->Fields("idplatform").SetValue(1);
-    vendor->Fields("nmvendor").SetValue(artist);
-    vendor->Update();
-    auto newest = gDatabase->OpenRecordset(
-        "select * from vendor where idplatform = 1 order by idvendor desc");
-    return (*newest)["idvendor"].toLongLong();
-}
-
 void AddTrack(Recordset& tracks, long idcd, Recordset& rs) {
     tracks.AddNew();
     tracks.Fields("idcd").SetValue(QVariant::fromValue<qint64>(idcd));
@@ -75,7 +55,7 @@ void frmImport::ImportDeluxeDatabase() {
             try {
                 const QString artist = NzText((*rs)["Artist"]);
                 if (artist != previousArtist) {
-                    idvendor = VendorOf(artist);
+                    idvendor = AudioVendorId(artist);
                     previousArtist = artist;
                 }
                 const qint64 titleId = (*rs)["Titles.TitleID"].toLongLong();

@@ -45,3 +45,23 @@ ImportTransaction::~ImportTransaction() {
         MsgBox("Error " + QString::number(error.Number) + ": " + error.Description, vbCritical);
     }
 }
+
+long AudioVendorId(const QString& artist) {
+    auto rs = gDatabase->OpenRecordset(
+        "select * from vendor where idplatform = 1 and nmvendor = '" + artist + "'");
+    long idvendor = 0;
+    bool found = false;
+    for (; !rs->IsEOF(); rs->MoveNext()) {
+        idvendor = (*rs)["idvendor"].toLongLong();
+        found = true;
+    }
+    if (found) return idvendor;
+    auto vendor = gDatabase->OpenRecordset("vendor");
+    vendor->AddNew();
+    vendor->Fields("idplatform").SetValue(1);
+    vendor->Fields("nmvendor").SetValue(artist);
+    // The counter of a new row is known before Update.
+    idvendor = (*vendor)["idvendor"].toLongLong();
+    vendor->Update();
+    return idvendor;
+}

@@ -9,6 +9,11 @@
 // CR LF or LF). False when the file cannot be read.
 bool ReadTextLines(const QString& path, QStringList& lines);
 
+// The vendor of the audio platform with this name, added when there is none; the id of the
+// last one found when there are several. The name goes into the statement as it stands: an
+// apostrophe breaks it, and the importer's trap takes the disc as refused.
+long AudioVendorId(const QString& artist);
+
 // Today as the catalogue stores dates.
 QString TodayText();
 
