@@ -7,6 +7,7 @@
 #include "bench/deluxescenarios.h"
 #include "import/frmImport.h"
 #include "store/catalogue.h"
+#include "store/fieldsizes.h"
 #include "toolkit/GCommonDialog.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vberror.h"
@@ -26,6 +27,8 @@ void InstallCatalogue(const QString& folder) {
     gDatabasePath = folder + "/data.gdb";
     gDatabasePassword = kDatabasePassword;
     OpenCatalogue();
+    // The start-up reads the column widths that every name check of the importers relies on.
+    ReadFieldSizes();
 }
 
 void CloseCatalogue() {
