@@ -17,6 +17,8 @@ void Connection::Close() {
     // Every statement must be finalized, or SQLite keeps the file (and its lock) open.
     for (RecordsetData* recordset : recordsets) recordset->Detach();
     recordsets.clear();
+    for (sqlite3_stmt* statement : internalStatements) sqlite3_finalize(statement);
+    internalStatements.clear();
     sqlite3_close(db);
     db = nullptr;
 }
@@ -40,10 +42,18 @@ sqlite3_stmt* PrepareOne(const Connection& connection, const QString& sql) {
 QVariantList RunInternal(const Connection& connection, const QString& sql,
                          const std::vector<QVariant>& values) {
     if (!connection.db) Raise(3420);
-    sqlite3_stmt* statement = nullptr;
-    if (sqlite3_prepare_v2(connection.db, sql.toUtf8().constData(), -1, &statement, nullptr) !=
-        SQLITE_OK)
-        RaiseSqlite(connection);
+    constexpr qsizetype kMostKeptStatements = 64;
+    sqlite3_stmt* statement = connection.internalStatements.value(sql);
+    if (!statement) {
+        if (sqlite3_prepare_v2(connection.db, sql.toUtf8().constData(), -1, &statement, nullptr) !=
+            SQLITE_OK)
+            RaiseSqlite(connection);
+        if (connection.internalStatements.size() >= kMostKeptStatements) {
+            for (sqlite3_stmt* kept : connection.internalStatements) sqlite3_finalize(kept);
+            connection.internalStatements.clear();
+        }
+        connection.internalStatements.insert(sql, statement);
+    }
     for (size_t i = 0; i < values.size(); ++i) Bind(statement, static_cast<int>(i) + 1, values[i]);
     const int result = sqlite3_step(statement);
     QVariantList first;
@@ -52,8 +62,14 @@ QVariantList RunInternal(const Connection& connection, const QString& sql,
         const CachedRow row = CachedRow::FromStatement(statement, columns);
         for (int i = 0; i < columns; ++i) first << row.Value(i);
     }
-    if (result != SQLITE_ROW && result != SQLITE_DONE) RaiseSqlite(connection, statement);
-    sqlite3_finalize(statement);
+    if (result != SQLITE_ROW && result != SQLITE_DONE) {
+        // The report finalizes the statement, so it is kept no longer.
+        connection.internalStatements.remove(sql);
+        RaiseSqlite(connection, statement);
+    }
+    // Reset at once, so that a kept statement holds no lock and no transaction open.
+    sqlite3_reset(statement);
+    sqlite3_clear_bindings(statement);
     return first;
 }
 

@@ -25,6 +25,9 @@ struct Connection {
     // without one it refuses them.
     bool jetCopy = false;
     std::unique_ptr<JetWriter> writer;
+    // The layer's own statements (the writes of Update, the reads after them) come back for
+    // every row of an import; each is prepared once per connection.
+    mutable QHash<QString, sqlite3_stmt*> internalStatements;
 
     ~Connection();
     void Close();
