@@ -1,6 +1,8 @@
 #include "store/adaptedsql.h"
 
 #include <QRegularExpression>
+#include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "store/jettext.h"
@@ -43,6 +45,15 @@ QString AdaptStatement(const QString& jetStatement) {
                    "(length(%2) <= %3)")
             .arg(match.captured(1), column, width, jettext::kCollation);
     }
+    // Normalizing only shortens a statement: one shorter than every adapted text is none of them,
+    // and most statements (the lookups of an import, row by row) are.
+    static const qsizetype shortestAdapted = [] {
+        qsizetype shortest = std::numeric_limits<qsizetype>::max();
+        for (const auto& adapted : kAdaptedStatements)
+            shortest = std::min(shortest, Normalized(QString::fromUtf8(adapted.first)).size());
+        return shortest;
+    }();
+    if (jetStatement.size() < shortestAdapted) return jetStatement;
     const QString key = Normalized(jetStatement);
     for (const auto& [jet, sqlite] : kAdaptedStatements)
         if (Normalized(QString::fromUtf8(jet)) == key) return QString::fromUtf8(sqlite);
