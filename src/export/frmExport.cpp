@@ -15,7 +15,6 @@
 #include "store/dao.h"
 #include "toolkit/GCommonDialog.h"
 #include "toolkit/cCommonDialog.h"
-#include "toolkit/mRegistry.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
@@ -40,8 +39,6 @@ const std::array<FieldDesign, 10> kFields = {{
     {"Nr cd's", "nrcds", true},
     {"Audio-tracks or listing (if available)", "TrackName", false},
 }};
-
-const QString kDeluxeKey = "HKEY_CURRENT_USER\\Software\\ODBC\\ODBC.INI\\DeluxeCD";
 
 QCheckBox* AddCheckBox(QGroupBox* frame, const QString& caption, bool checked) {
     auto* box = new QCheckBox(caption, frame);
@@ -148,8 +145,7 @@ void frmExport::Form_Load() {
     IniPath = GetWindowsDirectory() + "/cdplayer.ini";
     Check1[3]->setEnabled(QFileInfo(IniPath).isFile());
 
-    DeluxePath =
-        GetRegistryValue(kDeluxeKey, "DefaultDir") + "/" + GetRegistryValue(kDeluxeKey, "DBQ");
+    DeluxePath = DeluxeDatabasePath();
     Check1[4]->setEnabled(!DeluxePath.startsWith("Err") && QFileInfo(DeluxePath).isFile());
 
     if (!gSearchSQL.isEmpty()) Option1[3]->setEnabled(true);

@@ -9,7 +9,6 @@
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
-#include "toolkit/mRegistry.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
@@ -147,9 +146,7 @@ void frmImport::Form_Load() {
         Check1[0]->setEnabled(false);
     }
 
-    const QString key = "HKEY_CURRENT_USER\\Software\\ODBC\\ODBC.INI\\DeluxeCD";
-    DeluxePath = GetRegistryValue(key, "DefaultDir") + "\\" + GetRegistryValue(key, "DBQ");
-    if (!DeluxePath.startsWith("Err")) DeluxePath = WindowsPathInPrefix(DeluxePath);
+    DeluxePath = DeluxeDatabasePath();
     if (DeluxePath.startsWith("Err") || !QFileInfo(DeluxePath).isFile()) {
         Check1[1]->setChecked(false);
         Check1[1]->setEnabled(false);

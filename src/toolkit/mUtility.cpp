@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 
+#include "toolkit/mRegistry.h"
 #include "toolkit/mUtilityIni.h"
 #include "toolkit/vbruntime.h"
 
@@ -182,4 +183,10 @@ QString GetTempName() {
     file.setAutoRemove(false);
     if (!file.open()) return QString();
     return file.fileName();
+}
+
+QString DeluxeDatabasePath() {
+    const QString key = "HKEY_CURRENT_USER\\Software\\ODBC\\ODBC.INI\\DeluxeCD";
+    const QString path = GetRegistryValue(key, "DefaultDir") + "\\" + GetRegistryValue(key, "DBQ");
+    return path.startsWith("Err") ? path : WindowsPathInPrefix(path);
 }

@@ -29,6 +29,9 @@ QString GetWindowsDirectory();
 // A Windows path ("C:\Program Files\...") as the file in the Wine prefix that Windows programs
 // see under it, its names matched without regard to case; any other path with "\" as "/".
 QString WindowsPathInPrefix(const QString& windowsPath);
+// The Deluxe CD player's database as its ODBC data source "DeluxeCD" names it (DefaultDir and
+// DBQ), found in the Wine prefix; the registry's "Err..." text when the source is missing.
+QString DeluxeDatabasePath();
 // The Windows folder + "/TEMP", whether it exists or not.
 QString GetWindowsTempFolder();
 

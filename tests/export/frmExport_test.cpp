@@ -109,6 +109,22 @@ class ExportWindowTest : public QObject {
         QCOMPARE(form.IniPath, windows + "/cdplayer.ini");
         QVERIFY(form.Check1[3]->isEnabled() && form.Option1[3]->isEnabled());
         QVERIFY(!form.Check1[4]->isEnabled());
+
+        // The Deluxe player's data source names its database by a Windows path.
+        const QString plus = folder_->path() + "/wine/drive_c/Program Files/Plus!";
+        QDir().mkpath(plus);
+        QVERIFY(QFile::copy(QStringLiteral(VELMORA_FIXTURES_DIR "/deluxe/cd_pk.mdb"),
+                            plus + "/DeluxeCD.mdb"));
+        QFile registry(folder_->path() + "/wine/user.reg");
+        QVERIFY(registry.open(QIODevice::WriteOnly));
+        registry.write(
+            "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
+            "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
+        registry.close();
+        frmExport withDeluxe(gMainForm);
+        withDeluxe.Form_Load();
+        QCOMPARE(withDeluxe.DeluxePath, plus + "/DeluxeCD.mdb");
+        QVERIFY(withDeluxe.Check1[4]->isEnabled());
     }
 
     void selectionFollowsTheTreeNode() {
