@@ -185,6 +185,10 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
          [](Catalogues&, int runs) {
              Report("Deluxe import 300 titles x 12 tracks", TimeDeluxeImport(300, runs));
          }},
+        {"download-20mib",
+         [](Catalogues&, int runs) {
+             Report("Download 20 MiB from a loopback server", TimeDownload(20, runs));
+         }},
         {"gif-load-spinner",
          [](Catalogues&, int runs) {
              Report("Load the download window's spinner GIF", TimeSpinnerLoad(runs));
