@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
+#include <functional>
 
 #include "bench/deluxescenarios.h"
 #include "import/frmImport.h"
@@ -100,6 +101,28 @@ void ChooseDefaults(frmImport& window) {
     window.cmbDefSpecific->setCurrentIndex(0);
 }
 
+// Times one import per run, each into a fresh catalogue with the window as the user leaves it;
+// check throws when the run did not import everything.
+std::vector<double> TimeFreshImports(int runs, const std::function<void(frmImport&)>& prepare,
+                                     const std::function<void(frmImport&)>& import,
+                                     const std::function<void(frmImport&)>& check) {
+    std::vector<double> times;
+    for (int run = 0; run < runs; ++run) {
+        QTemporaryDir folder;
+        InstallCatalogue(folder.path());
+        frmImport window;
+        window.Form_Load();
+        prepare(window);
+        QElapsedTimer timer;
+        timer.start();
+        import(window);
+        times.push_back(Milliseconds(timer));
+        check(window);
+        CloseCatalogue();
+    }
+    return times;
+}
+
 }  // namespace
 
 std::vector<double> TimeTabImport(int lines, int runs, double* growthMegabytes) {
@@ -114,24 +137,20 @@ std::vector<double> TimeTabImport(int lines, int runs, double* growthMegabytes) 
         answer.filenames = {path};
         return answer;
     });
-    std::vector<double> times;
     *growthMegabytes = 0;
-    for (int run = 0; run < runs; ++run) {
-        QTemporaryDir folder;
-        InstallCatalogue(folder.path());
-        frmImport window;
-        window.Form_Load();
-        window.ShowSummary = false;
-        const long before = ResidentKilobytes();
-        QElapsedTimer timer;
-        timer.start();
-        window.ImportTabFile();
-        times.push_back(Milliseconds(timer));
-        *growthMegabytes = std::max(*growthMegabytes, (ResidentKilobytes() - before) / 1024.0);
-        if (window.TabTried != lines || window.TabFailed != 0)
-            throw VbError(0, QString("%1 of %2 lines failed").arg(window.TabFailed).arg(lines));
-        CloseCatalogue();
-    }
+    long before = 0;
+    const std::vector<double> times = TimeFreshImports(
+        runs,
+        [&before](frmImport& window) {
+            window.ShowSummary = false;
+            before = ResidentKilobytes();
+        },
+        [](frmImport& window) { window.ImportTabFile(); },
+        [&](frmImport& window) {
+            *growthMegabytes = std::max(*growthMegabytes, (ResidentKilobytes() - before) / 1024.0);
+            if (window.TabTried != lines || window.TabFailed != 0)
+                throw VbError(0, QString("%1 of %2 lines failed").arg(window.TabFailed).arg(lines));
+        });
     SetFileChooser({});
     SetMsgBoxResponder({});
     return times;
@@ -143,22 +162,13 @@ std::vector<double> TimeCdPlayerIniImport(int sections, int runs) {
     const QString windows = prefix.path() + "/drive_c/windows";
     QDir().mkpath(windows);
     WriteFile(windows + "/cdplayer.ini", CdPlayerIni(sections));
-    std::vector<double> times;
-    for (int run = 0; run < runs; ++run) {
-        QTemporaryDir folder;
-        InstallCatalogue(folder.path());
-        frmImport window;
-        window.Form_Load();
-        ChooseDefaults(window);
-        QElapsedTimer timer;
-        timer.start();
-        window.ImportCdPlayerIni();
-        times.push_back(Milliseconds(timer));
-        if (window.IniTried != sections || window.IniDuplicates != 0)
-            throw VbError(
-                0, QString("%1 of %2 sections failed").arg(window.IniDuplicates).arg(sections));
-        CloseCatalogue();
-    }
+    const std::vector<double> times = TimeFreshImports(
+        runs, ChooseDefaults, [](frmImport& window) { window.ImportCdPlayerIni(); },
+        [sections](frmImport& window) {
+            if (window.IniTried != sections || window.IniDuplicates != 0)
+                throw VbError(
+                    0, QString("%1 of %2 sections failed").arg(window.IniDuplicates).arg(sections));
+        });
     qunsetenv("WINEPREFIX");
     return times;
 }
@@ -166,24 +176,18 @@ std::vector<double> TimeCdPlayerIniImport(int sections, int runs) {
 std::vector<double> TimeDeluxeImport(int titles, int runs) {
     QTemporaryDir files;
     const QString path = MakeDeluxeFile(files.path(), titles);
-    std::vector<double> times;
-    for (int run = 0; run < runs; ++run) {
-        QTemporaryDir folder;
-        InstallCatalogue(folder.path());
-        frmImport window;
-        window.Form_Load();
-        ChooseDefaults(window);
-        window.ShowSummary = false;
-        window.DeluxePath = path;
-        QElapsedTimer timer;
-        timer.start();
-        window.ImportDeluxeDatabase();
-        times.push_back(Milliseconds(timer));
-        if (window.DeluxeTried != titles || window.DeluxeDuplicates != 0)
-            throw VbError(0, QString("%1 of %2 titles failed")
-                                 .arg(window.DeluxeDuplicates)
-                                 .arg(window.DeluxeTried));
-        CloseCatalogue();
-    }
-    return times;
+    return TimeFreshImports(
+        runs,
+        [&path](frmImport& window) {
+            ChooseDefaults(window);
+            window.ShowSummary = false;
+            window.DeluxePath = path;
+        },
+        [](frmImport& window) { window.ImportDeluxeDatabase(); },
+        [titles](frmImport& window) {
+            if (window.DeluxeTried != titles || window.DeluxeDuplicates != 0)
+                throw VbError(0, QString("%1 of %2 titles failed")
+                                     .arg(window.DeluxeDuplicates)
+                                     .arg(window.DeluxeTried));
+        });
 }

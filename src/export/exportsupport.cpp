@@ -63,3 +63,9 @@ std::unique_ptr<Recordset> OpenTitleTracks(const QVariant& idcd) {
         "select * from Tracks where idcd = " + idcd.toString() + " order by TrackID",
         dbOpenSnapshot);
 }
+
+bool IsPlayerDisc(Recordset& titles) {
+    const QVariant titleId = titles["TitleID"];
+    return titles["title.idplatform"].toInt() == kAudioPlatform && !titleId.isNull() &&
+           !IsEmptyTextMark(titleId);
+}

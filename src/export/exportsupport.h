@@ -31,10 +31,16 @@ class ExportTextFile {
     QByteArray pending_;
 };
 
+// The catalogue's audio platform, the one folder the CD players' files take titles from.
+constexpr int kAudioPlatform = 1;
+
 // The empty text mark, or a Null, or no number: a title without tracks.
 int TrackCount(const QVariant& numTracks);
 // True for the one character of code 0 that stands for an empty memo, label or listing.
 bool IsEmptyTextMark(const QVariant& value);
+
+// True for the current title when the CD players can take it: an audio title with an identity.
+bool IsPlayerDisc(Recordset& titles);
 
 // "select * from Tracks where idcd = " + idcd + " order by TrackID" on the catalogue.
 std::unique_ptr<Recordset> OpenTitleTracks(const QVariant& idcd);

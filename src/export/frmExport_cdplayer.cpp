@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr int kAudioPlatform = 1;
-
 // The disc's section: the identity as 32-bit hexadecimal, upper case, without leading zeros.
 QString SectionOf(const QVariant& titleId) {
     return QString::number(static_cast<quint32>(titleId.toLongLong()), 16).toUpper();
@@ -47,11 +45,8 @@ void frmExport::ExportToCdPlayerIni(long& Count) {
     Recordset& titles = *ExportRecordset;
     IniFile ini(IniPath);
     for (long row = 0; row < Count && !titles.IsEOF(); ++row, titles.MoveNext()) {
-        const QVariant titleId = titles["TitleID"];
-        if (titles["title.idplatform"].toInt() != kAudioPlatform || titleId.isNull() ||
-            IsEmptyTextMark(titleId))
-            continue;
-        const QString section = SectionOf(titleId);
+        if (!IsPlayerDisc(titles)) continue;
+        const QString section = SectionOf(titles["TitleID"]);
         if (!OverwriteTitles && ini.value(section, "numtracks").value_or("no") != "no") {
             if (WarnTitles)
                 MsgBox("The audio-cd named '" + NzText(titles["nmcd"]) +

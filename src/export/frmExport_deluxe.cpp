@@ -15,8 +15,6 @@
 
 namespace {
 
-constexpr int kAudioPlatform = 1;
-
 void SetTitleFields(Recordset& deluxeTitle, Recordset& titles, Recordset& vendor) {
     deluxeTitle.Fields("TitleID").SetValue(titles["TitleID"]);
     deluxeTitle.Fields("Artist").SetValue(vendor["nmvendor"]);
@@ -46,10 +44,8 @@ void frmExport::ExportToDeluxe([[maybe_unused]] long& Count) {
     Recordset& titles = *ExportRecordset;
     try {
         for (; !titles.IsEOF(); titles.MoveNext()) {
+            if (!IsPlayerDisc(titles)) continue;
             const QVariant titleId = titles["TitleID"];
-            if (titles["title.idplatform"].toInt() != kAudioPlatform || titleId.isNull() ||
-                IsEmptyTextMark(titleId))
-                continue;
             ++DeluxeExportTried;
             const auto vendor = gDatabase->OpenRecordset(
                 "select * from vendor where idplatform = 1 and idvendor = " +

@@ -48,7 +48,6 @@ const QString kPlatformClose =
     "</table></ul></blockquote><hr align=\"left\" width=\"95%\" noshade size=\"1\" "
     "color=\"#C0C040\">";
 
-constexpr int kAudioPlatform = 1;
 constexpr int kListingPlatform = 3;
 
 // The cells of index 9: the tracks of an audio title, the listing of a PC title.

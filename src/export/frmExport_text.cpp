@@ -16,7 +16,6 @@
 namespace {
 
 const QString kNewLineToken = "<NEWLINE>";
-constexpr int kAudioPlatform = 1;
 constexpr int kListingPlatform = 3;
 
 // Line ends inside a value become the token, whichever form they have: a line end left in

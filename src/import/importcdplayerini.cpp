@@ -25,6 +25,21 @@ struct IniDisc {
     }
 };
 
+// The fields a disc gives its title, on adding and on overwriting alike.
+void SetTitleFields(Recordset& title, const IniDisc& disc, long idvendor, long idtype,
+                    long idspecific) {
+    title.Fields("nmcd").SetValue(disc.Value("title"));
+    title.Fields("nrcds").SetValue(1);
+    title.Fields("idvendor").SetValue(QVariant::fromValue<qint64>(idvendor));
+    title.Fields("idplatform").SetValue(1);
+    title.Fields("idtype").SetValue(QVariant::fromValue<qint64>(idtype));
+    title.Fields("idspecific").SetValue(QVariant::fromValue<qint64>(idspecific));
+    title.Fields("idmediatype").SetValue(1);
+    title.Fields("TitleID").SetValue(HexLiteral(disc.section));
+    title.Fields("NumTracks").SetValue(CLngText(disc.Value("numtracks")));
+    title.Fields("modified").SetValue(TodayText());
+}
+
 void AddTracks(const IniDisc& disc, long idcd) {
     const int count = static_cast<int>(std::floor(Val(disc.Value("numtracks", "1"))));
     auto tracks =
@@ -73,17 +88,8 @@ void frmImport::ImportCdPlayerIni() {
             idvendor = AudioVendorId(disc.Value("artist"));
             auto title = gDatabase->OpenRecordset("title");
             title->AddNew();
-            title->Fields("nmcd").SetValue(disc.Value("title"));
-            title->Fields("nrcds").SetValue(1);
-            title->Fields("idvendor").SetValue(QVariant::fromValue<qint64>(idvendor));
-            title->Fields("idplatform").SetValue(1);
-            title->Fields("idtype").SetValue(QVariant::fromValue<qint64>(idtype));
-            title->Fields("idspecific").SetValue(QVariant::fromValue<qint64>(idspecific));
-            title->Fields("idmediatype").SetValue(1);
-            title->Fields("TitleID").SetValue(HexLiteral(disc.section));
-            title->Fields("NumTracks").SetValue(CLngText(disc.Value("numtracks")));
+            SetTitleFields(*title, disc, idvendor, idtype, idspecific);
             title->Fields("created").SetValue(TodayText());
-            title->Fields("modified").SetValue(TodayText());
             const long idcd = (*title)["idcd"].toLongLong();
             title->Update();
             AddTracks(disc, idcd);
@@ -106,16 +112,7 @@ void frmImport::ImportCdPlayerIni() {
                                                       QString::number(titleId));
                 const long idcd = (*title)["idcd"].toLongLong();
                 title->Edit();
-                title->Fields("nmcd").SetValue(disc.Value("title"));
-                title->Fields("nrcds").SetValue(1);
-                title->Fields("idvendor").SetValue(QVariant::fromValue<qint64>(idvendor));
-                title->Fields("idplatform").SetValue(1);
-                title->Fields("idtype").SetValue(QVariant::fromValue<qint64>(idtype));
-                title->Fields("idspecific").SetValue(QVariant::fromValue<qint64>(idspecific));
-                title->Fields("idmediatype").SetValue(1);
-                title->Fields("TitleID").SetValue(titleId);
-                title->Fields("NumTracks").SetValue(CLngText(disc.Value("numtracks")));
-                title->Fields("modified").SetValue(TodayText());
+                SetTitleFields(*title, disc, idvendor, idtype, idspecific);
                 title->Update();
                 gDatabase->Execute("Delete from Tracks where idcd = " + QString::number(idcd));
                 AddTracks(disc, idcd);
