@@ -17,15 +17,43 @@ void Connection::Close() {
     // Every statement must be finalized, or SQLite keeps the file (and its lock) open.
     for (RecordsetData* recordset : recordsets) recordset->Detach();
     recordsets.clear();
+    ForgetOpenPlans();
     for (sqlite3_stmt* statement : internalStatements) sqlite3_finalize(statement);
     internalStatements.clear();
     sqlite3_close(db);
     db = nullptr;
 }
 
+void Connection::ForgetOpenPlans() {
+    for (const auto& plan : std::as_const(openPlans)) {
+        plan->forgotten = true;
+        for (sqlite3_stmt* statement : plan->idle) sqlite3_finalize(statement);
+        plan->idle.clear();
+    }
+    openPlans.clear();
+}
+
+OpenPlan::~OpenPlan() {
+    for (sqlite3_stmt* statement : idle) sqlite3_finalize(statement);
+}
+
+void OpenPlan::GiveBack(sqlite3_stmt* statement) {
+    constexpr size_t kMostIdle = 2;
+    if (forgotten || idle.size() >= kMostIdle) {
+        sqlite3_finalize(statement);
+        return;
+    }
+    sqlite3_reset(statement);
+    sqlite3_clear_bindings(statement);
+    idle.push_back(statement);
+}
+
 sqlite3_stmt* PrepareOne(const Connection& connection, const QString& sql) {
+    return PrepareAdapted(connection, AdaptStatement(sql).toUtf8());
+}
+
+sqlite3_stmt* PrepareAdapted(const Connection& connection, const QByteArray& text) {
     if (!connection.db) Raise(3420);
-    const QByteArray text = AdaptStatement(sql).toUtf8();
     sqlite3_stmt* statement = nullptr;
     const char* tail = nullptr;
     if (sqlite3_prepare_v2(connection.db, text.constData(), static_cast<int>(text.size()),
@@ -98,7 +126,11 @@ void Database::Execute(const QString& sql, int) {
         sqlite3_finalize(statement);
         Raise(3065);
     }
-    if (sqlite3_step(statement) != SQLITE_DONE) RaiseSqlite(*connection_, statement);
+    const QByteArray verb = QByteArray(sqlite3_sql(statement)).trimmed().left(6).toLower();
+    const bool changesRows = verb == "insert" || verb == "update" || verb == "delete";
+    const int result = sqlite3_step(statement);
+    if (!changesRows) connection_->ForgetOpenPlans();
+    if (result != SQLITE_DONE) RaiseSqlite(*connection_, statement);
     sqlite3_finalize(statement);
     connection_->recordsAffected = sqlite3_changes(connection_->db);
 }
@@ -115,6 +147,8 @@ void Database::CommitTrans() {
 
 void Database::Rollback() {
     if (!IsOpen()) Raise(3420);
+    // The transaction may have changed the schema the plans were made on.
+    connection_->ForgetOpenPlans();
     RunInternal(*connection_, "ROLLBACK");
 }
 

@@ -15,6 +15,8 @@
 
 namespace dao_detail {
 
+struct OpenPlan;
+
 struct Connection {
     sqlite3* db = nullptr;
     QString path;
@@ -28,18 +30,41 @@ struct Connection {
     // The layer's own statements (the writes of Update, the reads after them) come back for
     // every row of an import; each is prepared once per connection.
     mutable QHash<QString, sqlite3_stmt*> internalStatements;
+    // What opening each statement learned, by its form with the compared values as parameters.
+    QHash<QString, std::shared_ptr<OpenPlan>> openPlans;
 
     ~Connection();
     void Close();
+    // After a change of the schema a plan may name fields that are gone or miss new ones.
+    void ForgetOpenPlans();
 };
 
 struct Column {
     QString name;    // as the statement names it
     QString table;   // the table it comes from; empty for an expression
     QString origin;  // its name in that table
+    QString quotedOrigin;
     QString declaredType;
-    int rowidColumn = -1;  // statement column holding its table's rowid, -1 when unknown
-    bool counter = false;  // the table's INTEGER PRIMARY KEY
+    int rowidColumn = -1;     // statement column holding its table's rowid, -1 when unknown
+    int firstSameField = -1;  // the first column of the row that names the same field
+    bool counter = false;     // the table's INTEGER PRIMARY KEY
+};
+
+// What opening a statement learns once: its fields and the text it is prepared from. Recordsets
+// opened on it hand their prepared statements back when they close, for the next opening.
+struct OpenPlan {
+    QByteArray preparedText;
+    std::vector<Column> columns;
+    std::vector<QString> rowidTables;
+    QHash<QString, int> qualifiedNames;
+    QHash<QString, int> plainNames;
+    int statementColumns = 0;
+    std::vector<sqlite3_stmt*> idle;
+    bool forgotten = false;
+
+    ~OpenPlan();
+    // A finished statement back for reuse, or finalized when the plan is forgotten.
+    void GiveBack(sqlite3_stmt* statement);
 };
 
 enum class EditMode { None, Edit, Add };
@@ -52,6 +77,7 @@ struct RecordsetData {
     int type = dbOpenDynaset;
     int options = 0;
     sqlite3_stmt* statement = nullptr;
+    std::shared_ptr<OpenPlan> plan;
     int statementColumns = 0;  // the fields, then one rowid per table
     std::vector<Column> columns;
     std::vector<QString> rowidTables;  // the table of each rowid column, in order
@@ -74,6 +100,10 @@ struct RecordsetData {
     EditMode editMode = EditMode::None;
     std::vector<QVariant> pending;
     std::vector<bool> changed;
+    // The statements Update runs, by the fields it writes; a loop of AddNew and Update writes
+    // the same fields every time.
+    QHash<QByteArray, QString> writeStatements;
+    QHash<int, std::pair<QString, std::vector<int>>> readBackStatements;
 
     ~RecordsetData();
     void Detach();
@@ -107,6 +137,8 @@ struct RecordsetData {
 
 // Adapts the statement, prepares it and refuses a second statement after it.
 sqlite3_stmt* PrepareOne(const Connection& connection, const QString& sql);
+// Prepares a statement already adapted, refusing a second statement after it.
+sqlite3_stmt* PrepareAdapted(const Connection& connection, const QByteArray& text);
 // Runs a statement of the layer's own, with bound values; returns its first row, if any.
 QVariantList RunInternal(const Connection& connection, const QString& sql,
                          const std::vector<QVariant>& values = {});

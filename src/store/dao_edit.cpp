@@ -66,53 +66,76 @@ void Run(const Connection& connection, const QString& sql) {
 
 // Writes the changed fields of one table; returns the row's rowid.
 QVariant WriteTable(RecordsetData& d, const QString& table, const QVariant& rowid) {
-    QStringList names;
+    const int tableRowid = d.RowidColumn(table);
+    // The statement depends on which fields are written: their columns make its key.
+    QByteArray key(1, d.editMode == EditMode::Add ? 'a' : 'e');
+    key.append(reinterpret_cast<const char*>(&tableRowid), sizeof tableRowid);
     std::vector<QVariant> values;
+    std::vector<int> fields;  // the first column of each field written, in the order of values
+    std::vector<int> valueOfField(d.columns.size(), -1);
     for (size_t i = 0; i < d.columns.size(); ++i) {
         const Column& column = d.columns[i];
-        if (!d.changed[i] || column.table.compare(table, Qt::CaseInsensitive) != 0) continue;
+        if (!d.changed[i] || column.rowidColumn != tableRowid) continue;
         // The same column twice in the row ("title.*, title.nmcd") is written once, last value.
-        const qsizetype known = names.indexOf(Quoted(column.origin));
-        if (known >= 0) {
-            values[known] = d.pending[i];
+        int& slot = valueOfField[column.firstSameField];
+        if (slot >= 0) {
+            values[slot] = d.pending[i];
             continue;
         }
-        names << Quoted(column.origin);
+        slot = static_cast<int>(values.size());
         values.push_back(d.pending[i]);
+        fields.push_back(column.firstSameField);
+        key.append(reinterpret_cast<const char*>(&column.firstSameField),
+                   sizeof column.firstSameField);
+    }
+    auto known = d.writeStatements.constFind(key);
+    if (known == d.writeStatements.cend()) {
+        QStringList names;
+        for (const int field : fields) names << d.columns[field].quotedOrigin;
+        QString sql;
+        if (d.editMode == EditMode::Add)
+            sql = names.isEmpty()
+                      ? "INSERT INTO " + Quoted(table) + " DEFAULT VALUES"
+                      : "INSERT INTO " + Quoted(table) + " (" + names.join(", ") + ") VALUES (" +
+                            QStringList(names.size(), "?").join(", ") + ")";
+        else
+            sql =
+                "UPDATE " + Quoted(table) + " SET " + names.join(" = ?, ") + " = ? WHERE rowid = ?";
+        known = d.writeStatements.insert(key, sql);
     }
     if (d.editMode == EditMode::Add) {
-        const QString placeholders = QStringList(names.size(), "?").join(", ");
-        RunInternal(*d.connection,
-                    names.isEmpty() ? "INSERT INTO " + Quoted(table) + " DEFAULT VALUES"
-                                    : "INSERT INTO " + Quoted(table) + " (" + names.join(", ") +
-                                          ") VALUES (" + placeholders + ")",
-                    values);
+        RunInternal(*d.connection, *known, values);
         return QVariant::fromValue<qint64>(sqlite3_last_insert_rowid(d.connection->db));
     }
     // A row missing from an outer join has no rowid: there is nothing to edit in that table.
     if (!rowid.isValid()) Raise(jetObjectReadOnly);
     values.push_back(rowid);
-    RunInternal(*d.connection,
-                "UPDATE " + Quoted(table) + " SET " + names.join(" = ?, ") + " = ? WHERE rowid = ?",
-                values);
+    RunInternal(*d.connection, *known, values);
     return rowid;
 }
 
 // Reads the written tables' fields back, so the cached row shows what the store holds.
 void RefreshFields(RecordsetData& d, const QString& table, const QVariant& rowid,
                    std::vector<QVariant>& row) {
-    QStringList names;
-    std::vector<int> indexes;
-    for (size_t i = 0; i < d.columns.size(); ++i)
-        if (d.columns[i].table.compare(table, Qt::CaseInsensitive) == 0) {
-            names << Quoted(d.columns[i].origin);
-            indexes.push_back(static_cast<int>(i));
-        }
-    const QVariantList values = RunInternal(
-        *d.connection, "SELECT " + names.join(", ") + " FROM " + Quoted(table) + " WHERE rowid = ?",
-        {rowid});
-    for (size_t k = 0; k < indexes.size(); ++k) row[indexes[k]] = values.value(k);
-    row[d.RowidColumn(table)] = rowid;
+    const int tableRowid = d.RowidColumn(table);
+    auto readBack = d.readBackStatements.constFind(tableRowid);
+    if (readBack == d.readBackStatements.cend()) {
+        QStringList names;
+        std::vector<int> indexes;
+        for (size_t i = 0; i < d.columns.size(); ++i)
+            if (d.columns[i].rowidColumn == tableRowid) {
+                names << d.columns[i].quotedOrigin;
+                indexes.push_back(static_cast<int>(i));
+            }
+        readBack = d.readBackStatements.insert(
+            tableRowid,
+            {"SELECT " + names.join(", ") + " FROM " + Quoted(table) + " WHERE rowid = ?",
+             indexes});
+    }
+    const QVariantList values = RunInternal(*d.connection, readBack->first, {rowid});
+    for (size_t k = 0; k < readBack->second.size(); ++k)
+        row[readBack->second[k]] = values.value(static_cast<qsizetype>(k));
+    row[tableRowid] = rowid;
 }
 
 }  // namespace

@@ -13,59 +13,84 @@ QString Text(const char* text) {
     return text ? QString::fromUtf8(text) : QString();
 }
 
-void ReadColumns(RecordsetData& d, sqlite3_stmt* statement) {
+void ReadColumns(const Connection& connection, OpenPlan& plan, sqlite3_stmt* statement) {
     const int count = sqlite3_column_count(statement);
     for (int i = 0; i < count; ++i) {
         Column column;
         column.name = Text(sqlite3_column_name(statement, i));
         column.table = Text(sqlite3_column_table_name(statement, i));
         column.origin = Text(sqlite3_column_origin_name(statement, i));
+        column.quotedOrigin = Quoted(column.origin);
         column.declaredType = Text(sqlite3_column_decltype(statement, i));
+        column.firstSameField = i;
         if (!column.table.isEmpty()) {
             const char* declared = nullptr;
             int primaryKey = 0;
-            sqlite3_table_column_metadata(
-                d.connection->db, sqlite3_column_database_name(statement, i),
-                sqlite3_column_table_name(statement, i), sqlite3_column_origin_name(statement, i),
-                &declared, nullptr, nullptr, &primaryKey, nullptr);
+            sqlite3_table_column_metadata(connection.db, sqlite3_column_database_name(statement, i),
+                                          sqlite3_column_table_name(statement, i),
+                                          sqlite3_column_origin_name(statement, i), &declared,
+                                          nullptr, nullptr, &primaryKey, nullptr);
             column.counter =
                 primaryKey && Text(declared).compare("INTEGER", Qt::CaseInsensitive) == 0;
-            d.qualifiedNames.insert((column.table + "." + column.origin).toLower(), i);
+            const QString qualified = (column.table + "." + column.origin).toLower();
+            if (plan.qualifiedNames.contains(qualified))
+                column.firstSameField =
+                    plan.columns[plan.qualifiedNames.value(qualified)].firstSameField;
+            plan.qualifiedNames.insert(qualified, i);
         }
         // Over a join a plain name may occur twice; it then reads the first such field.
-        if (!d.plainNames.contains(column.name.toLower()))
-            d.plainNames.insert(column.name.toLower(), i);
-        d.columns.push_back(std::move(column));
+        if (!plan.plainNames.contains(column.name.toLower()))
+            plan.plainNames.insert(column.name.toLower(), i);
+        plan.columns.push_back(std::move(column));
     }
 }
 
 // Editing finds its rows by rowid: one hidden column per table that gives fields, after the
 // fields. A statement that cannot carry them (grouped, distinct, aliased tables) stays as it is
 // and cannot be edited.
-sqlite3_stmt* WithRowids(RecordsetData& d, sqlite3_stmt* statement) {
+sqlite3_stmt* WithRowids(const Connection& connection, OpenPlan& plan, sqlite3_stmt* statement) {
     QStringList tables, columns;
-    for (const Column& column : d.columns)
+    for (const Column& column : plan.columns)
         if (!column.table.isEmpty() && !tables.contains(column.table, Qt::CaseInsensitive)) {
             tables << column.table;
             columns << Quoted(column.table) + ".rowid";
         }
     if (tables.isEmpty()) return statement;
-    const QString extended = sqltext::WithExtraColumns(AdaptStatement(d.sql), columns);
+    const QByteArray extended =
+        sqltext::WithExtraColumns(QString::fromUtf8(plan.preparedText), columns).toUtf8();
     if (extended.isEmpty()) return statement;
     sqlite3_stmt* withRowids = nullptr;
-    if (sqlite3_prepare_v2(d.connection->db, extended.toUtf8().constData(), -1, &withRowids,
-                           nullptr) != SQLITE_OK ||
-        sqlite3_column_count(withRowids) != static_cast<int>(d.columns.size() + tables.size())) {
+    if (sqlite3_prepare_v2(connection.db, extended.constData(), -1, &withRowids, nullptr) !=
+            SQLITE_OK ||
+        sqlite3_column_count(withRowids) != static_cast<int>(plan.columns.size() + tables.size())) {
         sqlite3_finalize(withRowids);
         return statement;
     }
     sqlite3_finalize(statement);
-    const int first = static_cast<int>(d.columns.size());
-    for (int t = 0; t < tables.size(); ++t) d.rowidTables.push_back(tables[t]);
-    for (Column& column : d.columns)
+    plan.preparedText = extended;
+    const int first = static_cast<int>(plan.columns.size());
+    for (int t = 0; t < tables.size(); ++t) plan.rowidTables.push_back(tables[t]);
+    for (Column& column : plan.columns)
         if (!column.table.isEmpty())
             column.rowidColumn = first + static_cast<int>(tables.indexOf(column.table));
     return withRowids;
+}
+
+// Learns what a statement gives; the statement prepared for it comes back in first.
+std::shared_ptr<OpenPlan> MakePlan(const Connection& connection, const QString& adapted,
+                                   bool editable, sqlite3_stmt*& first) {
+    auto plan = std::make_shared<OpenPlan>();
+    plan->preparedText = adapted.toUtf8();
+    sqlite3_stmt* statement = PrepareAdapted(connection, plan->preparedText);
+    if (sqlite3_column_count(statement) == 0 || !sqlite3_stmt_readonly(statement)) {
+        sqlite3_finalize(statement);
+        Raise(3219);
+    }
+    ReadColumns(connection, *plan, statement);
+    if (editable) statement = WithRowids(connection, *plan, statement);
+    plan->statementColumns = sqlite3_column_count(statement);
+    first = statement;
+    return plan;
 }
 
 bool IsTable(const Connection& connection, const QString& name, bool* view) {
@@ -79,17 +104,35 @@ bool IsTable(const Connection& connection, const QString& name, bool* view) {
 }
 
 void Open(RecordsetData& d) {
-    sqlite3_stmt* statement = PrepareOne(*d.connection, d.sql);
-    if (sqlite3_column_count(statement) == 0 || !sqlite3_stmt_readonly(statement)) {
-        sqlite3_finalize(statement);
-        Raise(3219);
-    }
-    ReadColumns(d, statement);
+    Connection& connection = *d.connection;
     const bool editable =
         (d.type == dbOpenTable || d.type == dbOpenDynaset) && !(d.options & dbReadOnly);
-    d.statement = editable ? WithRowids(d, statement) : statement;
-    d.statementColumns = sqlite3_column_count(d.statement);
-    d.connection->recordsets.push_back(&d);
+    const sqltext::ParameterizedStatement parameterized =
+        sqltext::WithComparedValuesAsParameters(AdaptStatement(d.sql));
+    const QString key = QLatin1String(editable ? "e " : "r ") + parameterized.text;
+    std::shared_ptr<OpenPlan> plan = connection.openPlans.value(key);
+    sqlite3_stmt* statement = nullptr;
+    if (!plan) {
+        constexpr qsizetype kMostPlans = 256;
+        plan = MakePlan(connection, parameterized.text, editable, statement);
+        if (connection.openPlans.size() >= kMostPlans) connection.ForgetOpenPlans();
+        connection.openPlans.insert(key, plan);
+    } else if (!plan->idle.empty()) {
+        statement = plan->idle.back();
+        plan->idle.pop_back();
+    } else {
+        statement = PrepareAdapted(connection, plan->preparedText);
+    }
+    d.plan = plan;
+    d.statement = statement;
+    d.columns = plan->columns;
+    d.rowidTables = plan->rowidTables;
+    d.qualifiedNames = plan->qualifiedNames;
+    d.plainNames = plan->plainNames;
+    d.statementColumns = plan->statementColumns;
+    for (size_t i = 0; i < parameterized.values.size(); ++i)
+        Bind(statement, static_cast<int>(i) + 1, parameterized.values[i]);
+    connection.recordsets.push_back(&d);
     d.Start();
 }
 

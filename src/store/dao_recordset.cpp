@@ -15,8 +15,12 @@ RecordsetData::~RecordsetData() {
 }
 
 void RecordsetData::Detach() {
-    sqlite3_finalize(statement);
+    if (statement && plan && connection && connection->db)
+        plan->GiveBack(statement);
+    else
+        sqlite3_finalize(statement);
     statement = nullptr;
+    plan.reset();
     closed = true;
     editMode = EditMode::None;
 }

@@ -63,6 +63,33 @@ QString WithoutTrailingSemicolons(const QString& sql) {
     return text;
 }
 
+// The end of the quoted run that starts at start (one past its closing quote), or -1 when it
+// never closes. A doubled quote inside stays inside.
+qsizetype QuotedEnd(const QString& sql, qsizetype start, QChar close) {
+    qsizetype i = start + 1;
+    while (i < sql.size()) {
+        if (sql[i] == close) {
+            if (close != ']' && i + 1 < sql.size() && sql[i + 1] == close) {
+                i += 2;
+                continue;
+            }
+            return i + 1;
+        }
+        ++i;
+    }
+    return -1;
+}
+
+bool IsWordCharacter(QChar c) {
+    return c.isLetterOrNumber() || c == '_';
+}
+
+bool EndsWhereClause(const QString& word) {
+    static const QStringList clauses = {"group",     "order",  "having", "limit",
+                                        "intersect", "except", "union",  "window"};
+    return clauses.contains(word);
+}
+
 }  // namespace
 
 QString BareTableName(const QString& source) {
@@ -121,6 +148,76 @@ QString WithExtraColumns(const QString& sql, const QStringList& columns) {
     const auto from = FindWord(words, "from");
     if (!from) return QString();
     return text.left(*from).trimmed() + ", " + columns.join(", ") + " " + text.mid(*from);
+}
+
+ParameterizedStatement WithComparedValuesAsParameters(const QString& sql) {
+    const ParameterizedStatement unchanged{sql, {}};
+    ParameterizedStatement result;
+    result.text.reserve(sql.size());
+    int depth = 0;
+    bool inWhere = false;
+    bool afterComparison = false;
+    qsizetype i = 0;
+    const qsizetype length = sql.size();
+    while (i < length) {
+        const QChar c = sql[i];
+        const QChar next = i + 1 < length ? sql[i + 1] : QChar();
+        if (c.isSpace()) {
+            result.text += c;
+            ++i;
+            continue;
+        }
+        if (c == '?' || c == ':' || c == '@' || c == '$' || (c == '-' && next == '-') ||
+            (c == '/' && next == '*'))
+            return unchanged;
+        if (c == '\'' || c == '"' || c == '`' || c == '[') {
+            const qsizetype end = QuotedEnd(sql, i, c == '[' ? QChar(']') : c);
+            if (end < 0) return unchanged;
+            if (c == '\'' && inWhere && afterComparison) {
+                result.text += '?';
+                result.values.push_back(sql.mid(i + 1, end - i - 2).replace("''", "'"));
+            } else {
+                result.text += QStringView(sql).mid(i, end - i);
+            }
+            afterComparison = false;
+            i = end;
+            continue;
+        }
+        if (IsWordCharacter(c)) {
+            qsizetype end = i;
+            while (end < length && IsWordCharacter(sql[end])) ++end;
+            const QStringView word = QStringView(sql).mid(i, end - i);
+            bool whole = false;
+            const qint64 number = word.toLongLong(&whole);
+            if (whole && inWhere && afterComparison && (end >= length || sql[end] != '.')) {
+                result.text += '?';
+                result.values.push_back(QVariant::fromValue<qint64>(number));
+            } else {
+                result.text += word;
+                if (depth == 0) {
+                    const QString lower = word.toString().toLower();
+                    if (lower == "where")
+                        inWhere = true;
+                    else if (EndsWhereClause(lower))
+                        inWhere = false;
+                }
+            }
+            afterComparison = false;
+            i = end;
+            continue;
+        }
+        if (c == '=' || c == '<' || c == '>' || c == '!') {
+            while (i < length && QStringView(u"=<>!").contains(sql[i])) result.text += sql[i++];
+            afterComparison = true;
+            continue;
+        }
+        if (c == '(') ++depth;
+        if (c == ')') --depth;
+        result.text += c;
+        afterComparison = false;
+        ++i;
+    }
+    return result.values.empty() ? unchanged : result;
 }
 
 }  // namespace sqltext

@@ -5,6 +5,8 @@
 
 #include <QString>
 #include <QStringList>
+#include <QVariant>
+#include <vector>
 
 namespace sqltext {
 
@@ -21,5 +23,16 @@ QString WithFilterAndSort(const QString& sql, const QString& filter, const QStri
 // The select with extra columns at the end of its column list; "" when the statement is no
 // plain select (distinct, grouped, compound) and so has no rows of single tables to point at.
 QString WithExtraColumns(const QString& sql, const QStringList& columns);
+
+// A statement with the values its where clause compares against taken out as parameters:
+// "where idcd = 5 and nm = 'x'" becomes "where idcd = ? and nm = ?" with 5 and "x" to bind.
+// Statements that differ only in those values then share one prepared form. Only whole integers
+// and single-quoted texts right after a comparison are taken; a statement with parameters or
+// comments of its own stays as it is.
+struct ParameterizedStatement {
+    QString text;
+    std::vector<QVariant> values;
+};
+ParameterizedStatement WithComparedValuesAsParameters(const QString& sql);
 
 }  // namespace sqltext

@@ -4,6 +4,7 @@
 #include <malloc.h>
 
 #include "store/catalogue.h"
+#include "store/sqltext.h"
 #include "store/storetest.h"
 #include "support/testsupport.h"
 
@@ -251,6 +252,68 @@ class DaoQueryTest : public QObject {
         dynaset->MoveFirst();
         QCOMPARE(dynaset->Fields("nmcd").Value().toString(), QString("1"));
         QCOMPARE(dynaset->RecordCount(), 200L);
+    }
+
+    void comparedValuesBecomeParametersOnlyInTheWhereClause() {
+        using sqltext::WithComparedValuesAsParameters;
+        const auto lookup = WithComparedValuesAsParameters(
+            "select * from vendor where idplatform = 12 and nmvendor='Rock ''n'' roll' order by 1");
+        QCOMPARE(lookup.text, QString("select * from vendor where idplatform = ? and nmvendor=? "
+                                      "order by 1"));
+        QCOMPARE(lookup.values, (std::vector<QVariant>{qint64(12), QString("Rock 'n' roll")}));
+        // Values that name columns, shape the result or are not plain whole numbers stay.
+        for (const QString& kept : QStringList{
+                 "select a = 1 from t where b > -2 and c in (3, 4) and d like 'x*'",
+                 "select * from t join u on t.i = 5 where [x = 1] = \"y\" limit 3",
+                 "select * from t where a = 1.5 or b = 0x1F or c = 7e2",
+                 "select * from t where a = ? and b = 2", "select * from t where a = 2 -- note",
+                 "select * from t where a = 'unterminated"})
+            QCOMPARE(WithComparedValuesAsParameters(kept).text, kept);
+        const auto nested = WithComparedValuesAsParameters(
+            "select * from t where a in (select b from u where c<>'z' group by b) and d >= 4 "
+            "group by e having count(*) = 2");
+        QCOMPARE(nested.text, QString("select * from t where a in (select b from u where c<>? "
+                                      "group by b) and d >= ? group by e having count(*) = 2"));
+        QCOMPARE(nested.values.size(), size_t(2));
+    }
+
+    void recordsetsOfOneShapeReadTheirOwnRows() {
+        gDatabase->Execute(
+            "INSERT INTO vendor (idplatform, nmvendor) VALUES (1, 'Rock ''n'' roll')");
+        auto audio = gDatabase->OpenRecordset("select * from type where idplatform = 1");
+        auto mac = gDatabase->OpenRecordset("select * from type where idplatform = 4");
+        audio->MoveLast();
+        mac->MoveLast();
+        QCOMPARE(audio->RecordCount(), 6L);
+        QCOMPARE(mac->RecordCount(), 2L);
+        for (int round = 0; round < 3; ++round) {
+            auto quoted = gDatabase->OpenRecordset(
+                "select * from vendor where idplatform = 1 and nmvendor = 'Rock ''n'' roll'");
+            QVERIFY(!quoted->IsEOF());
+            QCOMPARE(quoted->Fields("nmvendor").Value().toString(), QString("Rock 'n' roll"));
+            auto none = gDatabase->OpenRecordset(
+                "select * from vendor where idplatform = 2 and nmvendor = 'Rock ''n'' roll'");
+            QVERIFY(none->IsEOF());
+        }
+        audio->Requery();
+        audio->MoveLast();
+        QCOMPARE(audio->RecordCount(), 6L);
+
+        // A changed schema shows in the next opening, and so does one rolled back.
+        const QString one = "select * from type where idtype = 1";
+        const int fields = gDatabase->OpenRecordset(one)->FieldCount();
+        gDatabase->BeginTrans();
+        gDatabase->Execute("ALTER TABLE type ADD COLUMN note TEXT(20)");
+        QCOMPARE(gDatabase->OpenRecordset(one)->FieldCount(), fields + 1);
+        gDatabase->Rollback();
+        QCOMPARE(gDatabase->OpenRecordset(one)->FieldCount(), fields);
+        gDatabase->Execute("ALTER TABLE type ADD COLUMN note TEXT(20)");
+        auto widened = gDatabase->OpenRecordset(one);
+        QCOMPARE(widened->FieldCount(), fields + 1);
+        widened->Edit();
+        widened->Fields("note").SetValue("kept");
+        widened->Update();
+        QCOMPARE(gDatabase->OpenRecordset(one)->Fields("note").Value().toString(), QString("kept"));
     }
 
   private:
