@@ -6,6 +6,7 @@
 
 #include "disc/audiodisc.h"
 #include "disc/datadisc.h"
+#include "toolkit/guardeddialog.h"
 #include "toolkit/msgbox.h"
 
 namespace {
@@ -13,20 +14,27 @@ namespace {
 std::function<QString(DiscChoice)> gChooser;
 
 QString DesktopChooser(DiscChoice choice) {
-    QWidget* parent = QApplication::activeWindow();
+    GuardedDialog<QFileDialog> dialog(QApplication::activeWindow());
+    dialog->setDirectory(QDir::homePath());
     switch (choice) {
         case DiscChoice::AudioImage:
-            return QFileDialog::getOpenFileName(
-                parent, "Read an audio CD image", QDir::homePath(),
-                "CD images (*.cue *.toc *.nrg *.bin);;All files (*)");
+            dialog->setWindowTitle("Read an audio CD image");
+            dialog->setFileMode(QFileDialog::ExistingFile);
+            dialog->setNameFilter("CD images (*.cue *.toc *.nrg *.bin);;All files (*)");
+            break;
         case DiscChoice::IsoImage:
-            return QFileDialog::getOpenFileName(parent, "Read a data disc image", QDir::homePath(),
-                                                "ISO 9660 images (*.iso);;All files (*)");
+            dialog->setWindowTitle("Read a data disc image");
+            dialog->setFileMode(QFileDialog::ExistingFile);
+            dialog->setNameFilter("ISO 9660 images (*.iso);;All files (*)");
+            break;
         case DiscChoice::Folder:
-            return QFileDialog::getExistingDirectory(parent, "Read a mounted disc's folder",
-                                                     QDir::homePath());
+            dialog->setWindowTitle("Read a mounted disc's folder");
+            dialog->setFileMode(QFileDialog::Directory);
+            dialog->setOption(QFileDialog::ShowDirsOnly);
+            break;
     }
-    return {};
+    if (dialog.exec() != QDialog::Accepted || dialog->selectedFiles().isEmpty()) return {};
+    return dialog->selectedFiles().first();
 }
 
 const QString kNoDrive = "No CD drive was found.";

@@ -15,6 +15,7 @@
 #include "store/dao.h"
 #include "toolkit/GCommonDialog.h"
 #include "toolkit/cCommonDialog.h"
+#include "toolkit/guardeddialog.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
@@ -275,7 +276,7 @@ QString frmExport::AskSaveFileName(const QString& title, const QString& defaultE
 }
 
 void ShowExportForm() {
-    frmExport form(gMainForm);
-    form.Form_Load();
+    GuardedDialog<frmExport> form(gMainForm);
+    form->Form_Load();
     form.exec();
 }

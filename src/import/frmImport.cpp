@@ -9,6 +9,7 @@
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
+#include "toolkit/guardeddialog.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
@@ -250,7 +251,7 @@ void frmImport::cmdCancel_Click() {
 }
 
 void ShowImportWindow() {
-    frmImport window(gMainForm);
-    window.Form_Load();
+    GuardedDialog<frmImport> window(gMainForm);
+    window->Form_Load();
     window.exec();
 }

@@ -262,7 +262,18 @@ bool frmFind::event(QEvent* event) {
     if (event->type() == QEvent::WindowDeactivate && MsgBoxIsOpen()) {
         deactivatedByOwnBox_ = true;
     } else if (event->type() == QEvent::WindowActivate) {
-        if (!deactivatedByOwnBox_) Form_Activate();
+        // Qt is still walking its list of windows to tell each of the change, and the handler
+        // lets events through, which may delete one of them under that walk: it runs after.
+        if (!deactivatedByOwnBox_ && !activationQueued_) {
+            activationQueued_ = true;
+            QMetaObject::invokeMethod(
+                this,
+                [this] {
+                    activationQueued_ = false;
+                    Form_Activate();
+                },
+                Qt::QueuedConnection);
+        }
         deactivatedByOwnBox_ = false;
     }
     return QWidget::event(event);

@@ -50,6 +50,7 @@ class frmFind : public QWidget {
     QString SavedMediatypeText;
     // The window lost the focus to one of its own boxes: getting it back is no activation.
     bool deactivatedByOwnBox_ = false;
+    bool activationQueued_ = false;
 };
 
 // The one search window, or null while it is not loaded.

@@ -1,6 +1,7 @@
 #include "store/frmPerformAction.h"
 
 #include <QCloseEvent>
+#include <QPointer>
 #include <QScreen>
 #include <QVBoxLayout>
 
@@ -48,7 +49,10 @@ void frmPerformAction::PerformAction(int iWhichAction, QWidget* owner, bool reop
         setWindowModality(Qt::ApplicationModal);
         // The owner may already have moved out of sight for its closing work.
         move(screen()->availableGeometry().center() - rect().center());
+        // The owner may be deleted while the window runs, and this window with it.
+        const QPointer<frmPerformAction> alive(this);
         exec();
+        if (!alive) return;
     }
     done_ = true;
     deleteLater();

@@ -4,6 +4,8 @@
 #include <QFileDialog>
 #include <QFileInfo>
 
+#include "toolkit/guardeddialog.h"
+
 namespace {
 
 FileChooser fileChooser;
@@ -13,33 +15,33 @@ QString SlashPath(const QString& path) {
 }
 
 FileDialogAnswer AskUser(const FileDialogCall& call, QWidget* owner) {
-    QFileDialog dialog(owner, call.title);
+    GuardedDialog<QFileDialog> dialog(owner, call.title);
     // The descriptions already name their patterns; the patterns behind them stay unseen.
     QFileDialog::Options options = QFileDialog::HideNameFilterDetails;
     if (call.save && !(call.flags & cdlOFNOverwritePrompt))
         options |= QFileDialog::DontConfirmOverwrite;
-    dialog.setOptions(options);
-    dialog.setAcceptMode(call.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog->setOptions(options);
+    dialog->setAcceptMode(call.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     if (call.save)
-        dialog.setFileMode(QFileDialog::AnyFile);
+        dialog->setFileMode(QFileDialog::AnyFile);
     else if (call.flags & cdlOFNAllowMultiselect)
-        dialog.setFileMode(QFileDialog::ExistingFiles);
+        dialog->setFileMode(QFileDialog::ExistingFiles);
     else if (call.flags & cdlOFNFileMustExist)
-        dialog.setFileMode(QFileDialog::ExistingFile);
+        dialog->setFileMode(QFileDialog::ExistingFile);
     else
-        dialog.setFileMode(QFileDialog::AnyFile);
+        dialog->setFileMode(QFileDialog::AnyFile);
     const QStringList filters = GCommonDialog::NameFilters(call.filter);
-    dialog.setNameFilters(filters);
+    dialog->setNameFilters(filters);
     if (call.filterIndex >= 1 && call.filterIndex <= filters.size())
-        dialog.selectNameFilter(filters[call.filterIndex - 1]);
-    if (!call.initDir.isEmpty()) dialog.setDirectory(call.initDir);
-    if (!call.filename.isEmpty()) dialog.selectFile(call.filename);
-    dialog.setDefaultSuffix(call.defaultExt);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
+        dialog->selectNameFilter(filters[call.filterIndex - 1]);
+    if (!call.initDir.isEmpty()) dialog->setDirectory(call.initDir);
+    if (!call.filename.isEmpty()) dialog->selectFile(call.filename);
+    dialog->setDefaultSuffix(call.defaultExt);
+    if (dialog.exec() != QDialog::Accepted || dialog->selectedFiles().isEmpty()) return {};
     FileDialogAnswer answer;
-    answer.filenames = dialog.selectedFiles();
+    answer.filenames = dialog->selectedFiles();
     answer.filename = answer.filenames.first();
-    answer.filterIndex = static_cast<int>(filters.indexOf(dialog.selectedNameFilter())) + 1;
+    answer.filterIndex = static_cast<int>(filters.indexOf(dialog->selectedNameFilter())) + 1;
     return answer;
 }
 

@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QScopedValueRollback>
 
+#include "toolkit/guardeddialog.h"
 #include "toolkit/vbruntime.h"
 
 namespace {
@@ -83,18 +84,18 @@ int MsgBox(const QString& prompt, int flags, const QString& title) {
     const QString caption = title.isEmpty() ? App.Title : title;
     if (msgBoxResponder) return msgBoxResponder({prompt, flags, caption});
 
-    QMessageBox box(IconFor(flags), caption, prompt, QMessageBox::NoButton,
-                    QApplication::activeWindow());
+    GuardedDialog<QMessageBox> box(IconFor(flags), caption, prompt, QMessageBox::NoButton,
+                                   QApplication::activeWindow());
     const QList<ButtonChoice> choices = ButtonsFor(flags);
     const int defaultIndex = (flags & vbDefaultButton3) ? 2 : (flags & vbDefaultButton2) ? 1 : 0;
     for (int i = 0; i < choices.size(); ++i) {
-        QPushButton* button = box.addButton(choices[i].button);
-        if (i == defaultIndex) box.setDefaultButton(button);
+        QPushButton* button = box->addButton(choices[i].button);
+        if (i == defaultIndex) box->setDefaultButton(button);
     }
     box.exec();
-    QAbstractButton* clicked = box.clickedButton();
+    QAbstractButton* clicked = box.Alive() ? box->clickedButton() : nullptr;
     if (!clicked) return EscapeResult(choices);
-    const auto standard = box.standardButton(clicked);
+    const auto standard = box->standardButton(clicked);
     for (const auto& choice : choices)
         if (choice.button == standard) return choice.result;
     return EscapeResult(choices);
@@ -105,10 +106,10 @@ QString InputBox(const QString& prompt, const QString& title, const QString& def
     const QString caption = title.isEmpty() ? App.Title : title;
     if (inputBoxResponder) return inputBoxResponder({prompt, caption, defaultText});
 
-    QInputDialog dialog(QApplication::activeWindow());
-    dialog.setWindowTitle(caption);
-    dialog.setLabelText(prompt);
-    dialog.setTextValue(defaultText);
+    GuardedDialog<QInputDialog> dialog(QApplication::activeWindow());
+    dialog->setWindowTitle(caption);
+    dialog->setLabelText(prompt);
+    dialog->setTextValue(defaultText);
     if (dialog.exec() != QDialog::Accepted) return QString();
-    return dialog.textValue();
+    return dialog->textValue();
 }

@@ -168,9 +168,12 @@ class frmEditDiscTest : public QObject {
             WriteFile(images->path() + "/data/readme.txt", 3);
             dialogs->answerMsgBox(vbYes);
             dialogs->answerMsgBox(vbOK);
-            Choose(MakeIso(images->path() + "/data", images->path() + "/data.iso"));
+            const QString iso = MakeIso(images->path() + "/data", images->path() + "/data.iso");
+            QVERIFY(!iso.isEmpty());
+            Choose(iso);
             form->cmdReadDisc_Click();
-            QVERIFY(dialogs->msgBoxes.last().prompt.contains("data disc, not an audio CD"));
+            QVERIFY2(dialogs->msgBoxes.last().prompt.contains("data disc, not an audio CD"),
+                     qPrintable(dialogs->msgBoxes.last().prompt));
         }
         dialogs->answerMsgBox(vbYes);
         Choose(QString());

@@ -58,6 +58,8 @@ frmFind* OpenFindWindow() {
     ShowFindWindow();
     frmFind* form = gFindForm;
     if (form) (void)QTest::qWaitForWindowActive(form);
+    // The activation handler runs once the activation has been told to every window.
+    QCoreApplication::sendPostedEvents(form, QEvent::MetaCall);
     return form;
 }
 
@@ -68,6 +70,7 @@ void ComeBackTo(frmFind* form) {
     QCoreApplication::sendEvent(form, &deactivate);
     QEvent activate(QEvent::WindowActivate);
     QCoreApplication::sendEvent(form, &activate);
+    QCoreApplication::sendPostedEvents(form, QEvent::MetaCall);
 }
 
 void Search(frmFind* form) {
@@ -324,6 +327,7 @@ class FindTest : public QObject {
         QCOMPARE(dialogs.msgBoxes[0].title, QString("Confirm"));
         QEvent activate(QEvent::WindowActivate);
         QCoreApplication::sendEvent(form, &activate);
+        QCoreApplication::sendPostedEvents(form, QEvent::MetaCall);
         QVERIFY(form->Text1[3]->hasFocus());
         QTest::keyRelease(form->Text1[3], Qt::Key_Escape);
         QVERIFY(guard && form->isVisible());

@@ -2,6 +2,7 @@
 
 #include "support/testsupport.h"
 #include "toolkit/cCommonDialog.h"
+#include "toolkit/msgbox.h"
 #include "toolkit/vberror.h"
 
 class CommonDialogTest : public QObject {
@@ -122,6 +123,33 @@ class CommonDialogTest : public QObject {
         QCOMPARE(filters, QStringList({"textfiles (*.txt) (*.txt)", "all files (*.*) (*)"}));
         QCOMPARE(folder, QDir(dir.path()).absolutePath());
         QCOMPARE(mode, QFileDialog::ExistingFile);
+        testsupport::InstallUnscriptedResponders();
+    }
+
+    // The program told to end unloads its windows while one of them still asks something: the
+    // dialog goes with its owner and answers as cancelled.
+    void theOwnerMayGoWhileItsDialogIsOpen() {
+        SetFileChooser({});
+        SetMsgBoxResponder({});
+        QTimer poll;
+        QPointer<QWidget> owner;
+        connect(&poll, &QTimer::timeout, [&] {
+            if (QApplication::activeModalWidget()) delete owner.data();
+        });
+        poll.start(10);
+
+        owner = new QWidget;
+        owner->show();
+        cCommonDialog open = TabFileDialog();
+        open.hWnd = owner;
+        QVERIFY(!open.ShowOpen());
+        QVERIFY(!owner);
+
+        owner = new QWidget;
+        owner->show();
+        QApplication::setActiveWindow(owner);
+        QCOMPARE(MsgBox("Really?", vbYesNoCancel + vbQuestion, "Owner goes"), int(vbCancel));
+        QVERIFY(!owner);
         testsupport::InstallUnscriptedResponders();
     }
 };
