@@ -11,6 +11,7 @@
 
 #include "store/dao_detail.h"
 #include "store/jetlike.h"
+#include "store/jetprobe.h"
 
 using namespace dao_detail;
 
@@ -220,6 +221,7 @@ std::shared_ptr<Connection> OpenJetCopy(const QString& path, bool readOnly) {
     // libmdb trusts the pages it is pointed at; a file cut short is refused before it reads.
     const qint64 size = QFileInfo(path).size();
     if (size < 3 * header.pageSize || size % header.pageSize != 0) Damaged(path);
+    if (!jetfile::LibmdbReadsSafely(path)) Damaged(path);
 
     MdbFileHandle file{mdb_open(QFile::encodeName(path).constData(), MDB_NOFLAGS)};
     if (!file.mdb) Damaged(path);

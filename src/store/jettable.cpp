@@ -241,9 +241,16 @@ QString DecodeText(const QByteArray& bytes) {
 
 QByteArray EncodeRow(const TableDefinition& table, const std::vector<QVariant>& values) {
     const int columnCount = std::max<int>(table.maxColumns, int(table.columns.size()));
+    if (values.size() != table.columns.size())
+        throw WriteError(kErrorUnsupported,
+                         "The row does not have the columns of the table " + table.name + ".");
     int fixedSize = 0;
     int varSlots = 0;
     for (const Column& column : table.columns) {
+        // A damaged definition may number a column past the row's null mask.
+        if (column.number >= columnCount)
+            throw WriteError(kErrorCorrupt,
+                             "The definition of the table " + table.name + " is damaged.");
         if (column.type == kMemo || column.type == kOle)
             throw WriteError(kErrorUnsupported, "The column " + column.name +
                                                     " holds long values, which cannot be "

@@ -6,6 +6,7 @@
 
 #include "store/jetdatapage.h"
 #include "store/jetindex.h"
+#include "store/jetprobe.h"
 #include "store/jetusagemap.h"
 #include "store/jetwriteerror.h"
 
@@ -15,6 +16,7 @@ namespace {
 
 std::map<QString, uint32_t> ReadTablePages(const QString& path) {
     std::map<QString, uint32_t> pages;
+    if (!jetfile::LibmdbReadsSafely(path)) return pages;
     MdbHandle* mdb = mdb_open(path.toLocal8Bit().constData(), MDB_NOFLAGS);
     if (!mdb) return pages;
     if (mdb_read_catalog(mdb, MDB_TABLE)) {

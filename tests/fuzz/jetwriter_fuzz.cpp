@@ -20,9 +20,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     try {
         jet::Writer writer(path);
-        for (const QString table : {"Titles", "Tracks"}) {
-            const jet::RowLocation row = writer.AppendRow(table, {1, "Artist", "Title", 2});
-            writer.ChangeRow(table, row, {1, "Other", "Name", 3});
+        const QVariantHash title = {
+            {"TitleID", 1}, {"Artist", "Artist"}, {"Title", "Title"}, {"NumTracks", 2}};
+        const QVariantHash track = {{"TitleID", 1}, {"TrackID", 0}, {"TrackName", "Name"}};
+        for (const auto& [table, named] : {std::pair{"Titles", title}, {"Tracks", track}}) {
+            const jet::RowLocation row = writer.AppendRow(table, writer.ValuesByName(table, named));
+            QVariantHash changed = named;
+            changed["TitleID"] = 2;
+            writer.ChangeRow(table, row, writer.ValuesByName(table, changed));
         }
     } catch (const VbError&) {
     }

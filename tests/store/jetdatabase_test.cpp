@@ -2,6 +2,7 @@
 
 #include "store/dao.h"
 #include "store/jetdatabase.h"
+#include "store/jetwriter.h"
 #include "support/testsupport.h"
 
 namespace {
@@ -96,6 +97,19 @@ class JetDatabaseTest : public QObject {
         cut.write(bytes.left(5000));
         cut.close();
         QCOMPARE(ErrorNumberOf([&] { DBEngine::OpenDatabase(truncated); }), 3049);
+
+        // One byte of the system table's definition that made libmdb read through a null map.
+        QFile empty(Fixture("cd_empty.mdb"));
+        QVERIFY(empty.open(QIODevice::ReadOnly));
+        QByteArray damagedBytes = empty.readAll();
+        damagedBytes[8247] = 122;
+        const QString damaged = dir.filePath("damaged.mdb");
+        QFile damagedFile(damaged);
+        QVERIFY(damagedFile.open(QIODevice::WriteOnly));
+        damagedFile.write(damagedBytes);
+        damagedFile.close();
+        QCOMPARE(ErrorNumberOf([&] { DBEngine::OpenDatabase(damaged); }), 3049);
+        QCOMPARE(ErrorNumberOf([&] { jet::Writer writer(damaged); }), 3049);
 
         const QString text = dir.filePath("notes.mdb");
         QFile notes(text);
