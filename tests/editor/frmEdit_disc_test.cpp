@@ -17,6 +17,9 @@ using namespace discimages;
 namespace {
 
 const qlonglong kBlueHoursId = 0x82400;
+const QString kAudioOffer = "\n\nRead the disc from an image file (cue sheet, toc or nrg) instead?";
+const QString kDataOffer =
+    "\n\nList an ISO 9660 image file instead (Yes), or the folder of a mounted disc (No)?";
 
 QString BlueHoursCue(const QString& folder) {
     return MakeCue(folder, "bluehours", "Blue Hours", "Ann Tanner",
@@ -82,7 +85,9 @@ class frmEditDiscTest : public QObject {
         Choose(BlueHoursCue(images->path()));
         form->cmdReadDisc_Click();
         QCOMPARE(dialogs->msgBoxes.size(), 1);
-        QVERIFY(dialogs->msgBoxes[0].prompt.startsWith("No CD drive was found."));
+        QCOMPARE(dialogs->msgBoxes[0].prompt, "No CD drive was found." + kAudioOffer);
+        QCOMPARE(dialogs->msgBoxes[0].title, QString("Read disc"));
+        QCOMPARE(dialogs->msgBoxes[0].flags, vbYesNo + vbExclamation);
         QCOMPARE(chosen, QStringList{QString::number(int(DiscChoice::AudioImage))});
         QCOMPARE(form->txtTitle->text(), QString("Blue Hours"));
         QCOMPARE(form->Combo1[1]->currentText(), QString("Ann Tanner"));
@@ -120,8 +125,11 @@ class frmEditDiscTest : public QObject {
         dialogs->answerMsgBox(vbNo);
         form->cmdReadDisc_Click();
         QCOMPARE(dialogs->msgBoxes.size(), 1);
-        QVERIFY2(dialogs->msgBoxes[0].prompt.contains("as \"Blue Hours (first copy)\""),
-                 qPrintable(dialogs->msgBoxes[0].prompt));
+        QCOMPARE(
+            dialogs->msgBoxes[0].prompt,
+            QString("This disc (82400) is already in the catalogue as \"Blue Hours (first copy)\"."
+                    "\n\nOpen that title instead?"));
+        QCOMPARE(dialogs->msgBoxes[0].title, QString("Read disc"));
         QVERIFY(form->txtTitle->text().isEmpty());
         QVERIFY(!form->TracksListing());
 
@@ -160,7 +168,8 @@ class frmEditDiscTest : public QObject {
             MakeCue(images->path(), "lost", "Lost", "Nobody", {{"00:00:00", "One"}}, 750, false));
         form->cmdReadDisc_Click();
         QCOMPARE(dialogs->msgBoxes.size(), 2);
-        QVERIFY(dialogs->msgBoxes[0].prompt.contains("sr0"));
+        QCOMPARE(dialogs->msgBoxes[0].prompt,
+                 "\"" + images->path() + "/sr0\" does not exist." + kAudioOffer);
         QVERIFY(dialogs->msgBoxes[1].prompt.contains("lost.cue"));
 
         // A data image where an audio CD is expected; a cancelled choice.
@@ -172,8 +181,8 @@ class frmEditDiscTest : public QObject {
             QVERIFY(!iso.isEmpty());
             Choose(iso);
             form->cmdReadDisc_Click();
-            QVERIFY2(dialogs->msgBoxes.last().prompt.contains("data disc, not an audio CD"),
-                     qPrintable(dialogs->msgBoxes.last().prompt));
+            QCOMPARE(dialogs->msgBoxes.last().prompt,
+                     "\"" + iso + "\" holds a data disc, not an audio CD.");
         }
         dialogs->answerMsgBox(vbYes);
         Choose(QString());
@@ -202,6 +211,8 @@ class frmEditDiscTest : public QObject {
         Choose(iso);
         form->cmdReadDisc_Click();
         QCOMPARE(chosen.last(), QString::number(int(DiscChoice::IsoImage)));
+        QCOMPARE(dialogs->msgBoxes.last().prompt, "No CD drive was found." + kDataOffer);
+        QCOMPARE(dialogs->msgBoxes.last().flags, vbYesNoCancel + vbExclamation);
         const QString listing = "data/levels.pak (30 bytes)\r\nsetup.exe (2000 bytes)";
         QCOMPARE(TracksText(form), listing);
         form->cmdOK_Click();
@@ -227,7 +238,10 @@ class frmEditDiscTest : public QObject {
         Choose(root);
         form->cmdReadDisc_Click();
         if (unreadable) {
-            QVERIFY(dialogs->msgBoxes.last().prompt.contains("locked"));
+            QCOMPARE(dialogs->msgBoxes.last().prompt,
+                     QString("These folders could not be read and are left out of the listing:\n"
+                             "locked\n\nUse the listing without them?"));
+            QCOMPARE(dialogs->msgBoxes.last().title, QString("Read disc"));
             dialogs->answerMsgBox(vbNo);
             dialogs->answerMsgBox(vbYes);
             form->cmdReadDisc_Click();

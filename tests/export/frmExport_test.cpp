@@ -172,6 +172,9 @@ class ExportWindowTest : public QObject {
             dialogs.answerMsgBox(answer);
             ScriptedChooser chooser;
             form.cmdOK_Click();
+            QCOMPARE(dialogs.msgBoxes.last().prompt,
+                     QString("You selected to export one category, but you have more than one in "
+                             "your view.\rDo you want to export all categories instead?"));
             QCOMPARE(dialogs.msgBoxes.last().title, QString("Confirm"));
             QCOMPARE(dialogs.msgBoxes.last().flags, 51);
             QCOMPARE(chooser.calls.size(), answer == vbYes ? 1 : 0);

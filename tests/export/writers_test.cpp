@@ -276,7 +276,24 @@ class WritersTest : public QObject {
         QCOMPARE(dialogs.prompts(), QStringList("5 titles have been exported to the clipboard."));
         QCOMPARE(dialogs.msgBoxes[0].title, QString("Export to Clipboard Results"));
         QCOMPARE(QDir(temp).entryList(QDir::Files), QStringList());
+
+        Select(kAllTitles + " limit 1");
+        Export(&frmExport::ExportToClipboard, 1);
+        QCOMPARE(dialogs.msgBoxes.last().prompt,
+                 QString("1 title has been exported to the clipboard."));
+        const QString single = QGuiApplication::clipboard()->text();
+        QVERIFY(single.contains(" Number      1 of 1\n"));
+
+        // No temporary file can be made: the clipboard keeps what it had.
+        const QString notAFolder = folder_->file("plain");
+        WriteFile(notAFolder, "x");
+        qputenv("TMPDIR", notAFolder.toUtf8());
+        Export(&frmExport::ExportToClipboard, 1);
         qunsetenv("TMPDIR");
+        QCOMPARE(dialogs.msgBoxes.last().prompt, QString("Error 75: Path/File access error"));
+        QCOMPARE(dialogs.msgBoxes.last().flags, int(vbExclamation));
+        QCOMPARE(dialogs.msgBoxes.last().title, QString("Error exporting to clipboard"));
+        QCOMPARE(QGuiApplication::clipboard()->text(), single);
     }
 
     void cdPlayerIniLooksFirstAndKeepsTheOldFile() {
@@ -287,6 +304,7 @@ class WritersTest : public QObject {
                   "[4D]\r\nartist=Nobody\r\n");
         form_->IniPath = ini;
         form_->Check3[0]->setChecked(false);
+        form_->WarnTitles = true;
         Export(&frmExport::ExportToCdPlayerIni);
 
         const QByteArray bytes = ReadBytes(ini);
@@ -302,9 +320,14 @@ class WritersTest : public QObject {
                            "Tracks\r\nnumtracks=0\r\norder=\r\nnumplay=0\r\n"));
         QVERIFY(!bytes.contains("Homogénic") && !bytes.contains("Café"));
         QCOMPARE(dialogs.prompts(),
-                 QStringList("Tried to export 3 title(s) to Windows Default CD-player\r\nOf "
-                             "those 1 were skipped because of duplicates."));
+                 QStringList({"The audio-cd named 'Homogénic' allready existed in the Windows "
+                              "Default CD-player\rThis file wil not be replaced: overwrite option "
+                              "not selected.",
+                              "Tried to export 3 title(s) to Windows Default CD-player\r\nOf "
+                              "those 1 were skipped because of duplicates."}));
+        QCOMPARE(dialogs.msgBoxes[0].title, QString("Duplicate found"));
         QCOMPARE(dialogs.msgBoxes[0].flags, int(vbInformation));
+        QCOMPARE(dialogs.msgBoxes[1].flags, int(vbInformation));
 
         // Overwriting renews the keys in their places; track keys above the new count stay. A
         // file of plain ASCII is taken for the players' code page and stays in it.
@@ -314,7 +337,8 @@ class WritersTest : public QObject {
         Export(&frmExport::ExportToCdPlayerIni);
         QVERIFY(ReadBytes(ini).startsWith(
             "[1A2B3C]\r\n0=J\xF3ga\r\n1=Bachelorette\r\n2=Hunter\r\n3=d\r\nnumtracks=3\r\n"
-            "EntryType=1\r\nartist=Bj\xF6rk\r\ntitle=Homog\xE9nic\r\norder=0 1 2\r\nnumplay=3\r\n"));
+            "EntryType=1\r\nartist=Bj\xF6rk\r\ntitle=Homog\xE9nic\r\norder=0 1 "
+            "2\r\nnumplay=3\r\n"));
     }
 
     void damagedOrUnwritableCdPlayerIniIsNeverCut() {

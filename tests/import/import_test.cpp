@@ -157,7 +157,20 @@ class ImportTest : public QObject {
         ChooseDefaults(full);
         full.ImportCdPlayerIni();
         QCOMPARE(Count("title"), before);
-        QVERIFY(dialogs.msgBoxes.last().prompt.contains("more than 1000"));
+        QCOMPARE(dialogs.msgBoxes.last().prompt,
+                 "The import from " + ini +
+                     " stopped.\r\nError 9: Subscript out of range: the file holds more than "
+                     "1000 discs.");
+        QCOMPARE(dialogs.msgBoxes.last().title,
+                 QString("Importing from Windows Default CD-player"));
+        QCOMPARE(dialogs.msgBoxes.last().flags, int(vbCritical));
+
+        QFile::remove(ini);
+        full.ImportCdPlayerIni();
+        QCOMPARE(dialogs.msgBoxes.last().prompt,
+                 "The import from " + ini + " stopped.\r\nError 53: File not found");
+        QCOMPARE(dialogs.msgBoxes.last().title,
+                 QString("Importing from Windows Default CD-player"));
     }
 
     void deluxeDatabaseIsFoundAndRead() {
@@ -214,7 +227,24 @@ class ImportTest : public QObject {
         QCOMPARE(window.cmbDefSpecific->count(), 15 - 6);
         window.Check1[2]->setChecked(false);
         window.cmdOK_Click();
+        QCOMPARE(dialogs.msgBoxes.last().prompt,
+                 QString("You should at least select one program or file to import cd's from"));
         QCOMPARE(dialogs.msgBoxes.last().title, QString("Select a program"));
+
+        // A player's titles need both defaults, the type first.
+        window.Check1[0]->setChecked(true);
+        window.cmdOK_Click();
+        QCOMPARE(dialogs.msgBoxes.last().prompt,
+                 QString("Please select a default type when importing CD-titles"));
+        QCOMPARE(dialogs.msgBoxes.last().title, QString("Select a type first"));
+        window.cmbDefType->setCurrentIndex(window.cmbDefType->findText("Rock"));
+        window.cmbDefType_Click();
+        window.cmdOK_Click();
+        QCOMPARE(dialogs.msgBoxes.last().prompt,
+                 QString("Please select a default specific item when importing CD-titles"));
+        QCOMPARE(dialogs.msgBoxes.last().title, QString("Select a specific item first"));
+        QCOMPARE(dialogs.msgBoxes.size(), 3);
+        window.Check1[0]->setChecked(false);
 
         window.Check2[0]->click();
         QVERIFY(window.OverwriteTitles);
@@ -225,6 +255,15 @@ class ImportTest : public QObject {
         window.cmdOK_Click();
         QCOMPARE(dialogs.fileDialogs.size(), 1);
         QCOMPARE(window.result(), int(QDialog::Accepted));
+
+        // A chosen file that is gone by the time it is read.
+        const QString gone = folder->file("gone.txt");
+        dialogs.answerFile(gone);
+        window.ImportTabFile();
+        QCOMPARE(dialogs.msgBoxes.last().prompt, "Error 53: File not found: " + gone);
+        QCOMPARE(dialogs.msgBoxes.last().title,
+                 QString("Error when importing from TAB delimited file"));
+        QCOMPARE(dialogs.msgBoxes.last().flags, int(vbCritical));
     }
 };
 

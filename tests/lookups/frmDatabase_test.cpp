@@ -104,6 +104,15 @@ class DatabaseWindowTest : public QObject {
         QCOMPARE(Value("select visible from platform where idplatform = 2").toBool(), false);
         form_->chkVisiblePlatform->click();
         QCOMPARE(Value("select visible from platform where idplatform = 2").toBool(), true);
+
+        // A platform deleted behind the window's back has no row to write to.
+        dialogs_->answerInput("Zebra discs");
+        form_->Picture_Click(frmDatabase::Platform, 1);
+        gDatabase->Execute("delete from platform where nmplatform = 'Zebra discs'");
+        form_->chkVisiblePlatform->click();
+        QCOMPARE(dialogs_->prompts(), QStringList("3021: No current record."));
+        QCOMPARE(dialogs_->msgBoxes[0].flags, int(vbOKOnly));
+        QCOMPARE(dialogs_->msgBoxes[0].title, QString("Error setting platform visibility"));
     }
 
     void deletesAndKeys() {

@@ -330,6 +330,20 @@ class CommandsTest : public QObject {
         QCOMPARE(CountRows("select * from Tracks where idcd = 1"), 0L);
         QCOMPARE(CountRows("select * from title where idcd = 2"), 1L);
         QCOMPARE(form()->PanelText(2), countBefore);
+
+        // A catalogue that refuses the delete keeps the title and its row.
+        gDatabase->Execute(
+            "create trigger kept before delete on title begin select raise(abort, 'kept'); end");
+        SelectListRow(form()->ListIndexOfKey("id2"));
+        dialogs_->answerMsgBox(vbYes);
+        PressKey(form()->ListView1, form()->ListView1, Qt::Key_Delete);
+        gDatabase->Execute("drop trigger kept");
+        QCOMPARE(dialogs_->msgBoxes.size(), 4);
+        QCOMPARE(dialogs_->msgBoxes[3].prompt,
+                 QString("Error occured when trying to delete Quiet Fields"));
+        QCOMPARE(dialogs_->msgBoxes[3].flags, int(vbCritical));
+        QCOMPARE(form()->ListItemCount(), 1);
+        QCOMPARE(CountRows("select * from title where idcd = 2"), 1L);
     }
 
     void renameTitleCancelAndCutToTheColumn() {
@@ -354,6 +368,13 @@ class CommandsTest : public QObject {
         QCOMPARE(form()->ListItemText(form()->ListIndexOfKey("id2")), longName.left(150));
         QCOMPARE(ValueOf("select * from title where idcd = 1", "nmcd"), QString("Blue Harbour"));
         QVERIFY(dialogs_->msgBoxes.isEmpty());
+
+        // The title left the catalogue while its row was still listed.
+        gDatabase->Execute("delete from title where idcd = 2");
+        dialogs_->answerInput("Late");
+        form()->mnuRenameCD->trigger();
+        QCOMPARE(dialogs_->prompts(), QStringList("Error renaming CD-title to Late"));
+        QCOMPARE(dialogs_->msgBoxes[0].flags, int(vbOKOnly));
     }
 
     void deletingABuiltInPlatformIsRefused() {

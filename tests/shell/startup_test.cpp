@@ -141,6 +141,9 @@ class StartupTest : public QObject {
             dialogs.answerMsgBox(vbNo);
             QVERIFY(!StartProgram());
             QCOMPARE(dialogs.msgBoxes.size(), 3);
+            QCOMPARE(dialogs.msgBoxes[0].prompt,
+                     QString("Velmora cannot access the database in its current state. Do you "
+                             "want Velmora to make it accessible?"));
             QCOMPARE(dialogs.msgBoxes[0].title, QString("Unable to access database"));
             QCOMPARE(dialogs.msgBoxes[0].flags, 35);
             QCOMPARE(dialogs.msgBoxes[1].prompt,

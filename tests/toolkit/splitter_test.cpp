@@ -61,6 +61,13 @@ class SplitterTest : public QObject {
         window.form.resize(800, 500);
         QCOMPARE(window.splitter.Left(), 150L);
         QCOMPARE(window.right->geometry(), QRect(152, 30, 800 - 153 + 1, 450));
+
+        // A missing pane is refused; the divider keeps the panes it has.
+        ScriptedDialogs dialogs;
+        QVERIFY(!window.splitter.SetControls(&window.form, window.left, nullptr, window.divider));
+        QCOMPARE(dialogs.prompts(), QStringList("Pane must be a window (have a window handle)."));
+        window.splitter.SetLeft(120);
+        QCOMPARE(window.left->width(), 121);
     }
 
     void dragClampsAtBothEdges() {

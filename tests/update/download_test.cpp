@@ -1,3 +1,4 @@
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QTemporaryDir>
@@ -82,6 +83,9 @@ class DownloadTest : public QObject {
             server.answers = {broken, whole};
             QVERIFY(!Download(server.url("/a.bin"), target()).succeeded);
             QCOMPARE(dialogs.msgBoxes.size(), 2);
+            QCOMPARE(dialogs.msgBoxes[1].prompt,
+                     QString("The server is unable to resume this download.\r\rDo you want to "
+                             "continue anyway?"));
             QCOMPARE(dialogs.msgBoxes[1].title, QString("Unable to Resume Download"));
             QCOMPARE(dialogs.msgBoxes[1].flags, vbYesNo + vbExclamation);
             QVERIFY(!QFile::exists(target()));
@@ -145,6 +149,46 @@ class DownloadTest : public QObject {
             QVERIFY(!Download(url + "x.bin", target()).succeeded);
             QCOMPARE(dialogs.msgBoxes.size(), 1);
             QCOMPARE(dialogs.msgBoxes[0].title, QString("Cannot Establish Connection"));
+        }
+        {
+            // A length beyond any number of bytes.
+            ScriptedDialogs dialogs;
+            HttpAnswer answer;
+            answer.statusLine = "HTTP/1.1 200 OK\r\nContent-Length: 99999999999999999999";
+            answer.sendLength = false;
+            answer.honourRange = false;
+            server.answers = {answer};
+            QVERIFY(!Download(server.url("/x.bin"), target()).succeeded);
+            QCOMPARE(dialogs.prompts(), QStringList("Error: Overflow occurred."));
+            QCOMPARE(dialogs.msgBoxes[0].title, QString("Error Downloading File"));
+            QVERIFY(!QFile::exists(target()));
+        }
+        {
+            // /proc: a file system without a free byte.
+            ScriptedDialogs dialogs;
+            server.answers = {HttpAnswer{}};
+            QVERIFY(!Download(server.url("/x.bin"), "/proc/velmora/x.bin").succeeded);
+            QCOMPARE(dialogs.prompts(),
+                     QStringList("There is not enough free space on disk for this file.\r\nPlease "
+                                 "free up some disk space and try again."));
+            QCOMPARE(dialogs.msgBoxes[0].title, QString("Insufficient Disk Space"));
+        }
+        {
+            // A destination that cannot be opened: its error, then the offer to resume, declined.
+            ScriptedDialogs dialogs;
+            QDir().mkpath(target());
+            QFile folder(target());
+            QVERIFY(!folder.open(QIODevice::ReadWrite));
+            server.answers = {HttpAnswer{}};
+            QVERIFY(!Download(server.url("/x.bin"), target()).succeeded);
+            QCOMPARE(dialogs.prompts(),
+                     QStringList({"Cannot write file to disk.\r\nError 75: " + folder.errorString(),
+                                  "The connection with the server was reset.\r\nClick \"Retry\" "
+                                  "to resume downloading the file.\r(Approximate time remaining: "
+                                  "0 sec)\r\nClick \"Cancel\" to cancel downloading the file."}));
+            QCOMPARE(dialogs.msgBoxes[0].title, QString("Error Downloading File"));
+            QCOMPARE(dialogs.msgBoxes[1].title, QString("Download Incomplete"));
+            QVERIFY(QDir().rmdir(target()));
         }
     }
 

@@ -110,15 +110,38 @@ class UpdateTest : public QObject {
         TestHttpServer server;
         qputenv("VELMORA_UPDATE_SERVER", server.url("").toLocal8Bit());
         const QString proof = wine.filePath("ran.txt");
-        server.files["/software/updates/velmora.ini"] = ServerIni(2, 9, 0, server.url("/upd.sh"));
+        server.files["/software/updates/velmora.ini"] = ServerIni(3, 9, 0, server.url("/upd.sh"));
         server.files["/upd.sh"] = ("#!/bin/sh\necho updated > '" + proof + "'\n").toLocal8Bit();
         App.Major = 2;
         App.Minor = 4;
         App.Revision = 0;
+        frmMain* main = nullptr;
+        {
+            // The fetched program is gone before it can start (taken while the notice of the new
+            // major was up): the program says so and keeps running.
+            ScriptedDialogs dialogs;
+            main = StartProgram();
+            QVERIFY(main);
+            SetMsgBoxResponder([&](const MsgBoxCall& call) {
+                dialogs.msgBoxes.append(call);
+                if (call.prompt.startsWith("Version 3")) QFile::remove(tempFolder() + "/upd.sh");
+                return int(vbYes);
+            });
+            main->ToolbarButton("update")->trigger();
+            QCOMPARE(dialogs.msgBoxes.size(), 3);
+            QCOMPARE(dialogs.msgBoxes[2].prompt,
+                     "The update routine could not succesfully download all nescessary files."
+                     "\r\nPlease make sure that you have a connection to the internet and try the "
+                     "update feature again.\r\nIf the problem persists, download the update from " +
+                         kMakerWebAddress + " manually.");
+            QCOMPARE(dialogs.msgBoxes[2].flags, int(vbExclamation));
+            QCOMPARE(dialogs.msgBoxes[2].title, QString("Auto-Update"));
+            QVERIFY(!main->IsUnloaded());
+            QVERIFY(!QFile::exists(proof));
+        }
+        server.files["/software/updates/velmora.ini"] = ServerIni(2, 9, 0, server.url("/upd.sh"));
         ScriptedDialogs dialogs;
         dialogs.answerMsgBox(vbYes);
-        frmMain* main = StartProgram();
-        QVERIFY(main);
         QSignalSpy unloaded(main, &frmMain::Unloaded);
         main->ToolbarButton("update")->trigger();
         QTRY_VERIFY(QFile::exists(proof));
