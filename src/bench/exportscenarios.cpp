@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "bench/benchboxes.h"
 #include "bench/deluxescenarios.h"
 #include "bench/syntheticcatalogue.h"
 #include "export/frmExport.h"
@@ -54,11 +55,7 @@ std::vector<double> TimeWriter(
     const std::function<void(frmExport&, const QTemporaryDir&)>& prepare = {}) {
     QTemporaryDir dir;
     OpenAudioCatalogue(dir, titles);
-    QStringList boxes;
-    SetMsgBoxResponder([&boxes](const MsgBoxCall& call) {
-        boxes << call.prompt;
-        return int(vbOK);
-    });
+    BoxRecorder boxes(vbOK);
     SetFileChooser([&dir](const FileDialogCall&) {
         FileDialogAnswer answer;
         answer.filename = dir.filePath("export");
@@ -70,7 +67,7 @@ std::vector<double> TimeWriter(
     form.OpenHtmlAfterExport = false;
     for (QCheckBox* field : form.Check3) field->setChecked(true);
     std::vector<double> times;
-    for (int run = 0; run < runs && boxes.isEmpty(); ++run) {
+    for (int run = 0; run < runs && boxes.prompts.isEmpty(); ++run) {
         if (prepare) prepare(form, dir);
         QElapsedTimer timer;
         timer.start();
@@ -83,10 +80,9 @@ std::vector<double> TimeWriter(
         if (count != titles) throw VbError(0, QString("%1 titles exported").arg(count));
     }
     SetFileChooser({});
-    SetMsgBoxResponder({});
     form.ExportRecordset.reset();
     CloseCatalogue();
-    if (!boxes.isEmpty()) throw VbError(0, "the export failed: " + boxes.join(" "));
+    if (!boxes.prompts.isEmpty()) throw VbError(0, "the export failed: " + boxes.prompts.join(" "));
     return times;
 }
 

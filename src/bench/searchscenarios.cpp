@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QLineEdit>
 
+#include "bench/benchboxes.h"
 #include "search/frmFind.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
@@ -67,13 +68,9 @@ std::vector<double> TimeTrackSearch(const QString& folder, int runs) {
 std::vector<double> TimeCompaction(const QString& folder, int runs) {
     StartProgram(folder);
     // A failing compaction asks nothing of anyone here: its box is noted and ends the scenario.
-    QStringList boxes;
-    SetMsgBoxResponder([&boxes](const MsgBoxCall& call) {
-        boxes << call.prompt;
-        return int(vbOK);
-    });
+    BoxRecorder boxes(vbOK);
     std::vector<double> times;
-    for (int run = 0; run < runs && boxes.isEmpty(); ++run) {
+    for (int run = 0; run < runs && boxes.prompts.isEmpty(); ++run) {
         QElapsedTimer timer;
         timer.start();
         CompactCatalogue(false, QString(), QString());
@@ -81,7 +78,6 @@ std::vector<double> TimeCompaction(const QString& folder, int runs) {
         OpenCatalogue();
     }
     EndProgram();
-    SetMsgBoxResponder({});
-    if (!boxes.isEmpty()) throw VbError(0, "compaction failed: " + boxes.join(" "));
+    if (!boxes.prompts.isEmpty()) throw VbError(0, "compaction failed: " + boxes.prompts.join(" "));
     return times;
 }

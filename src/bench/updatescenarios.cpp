@@ -6,6 +6,7 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 
+#include "bench/benchboxes.h"
 #include "toolkit/AnimatedGifCtl.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vberror.h"
@@ -63,13 +64,9 @@ std::vector<double> TimeDownload(int megabytes, int runs) {
     for (qsizetype i = 0; i < body.size(); ++i)
         body[i] = static_cast<char>((i * 7 + i / 251) & 0xFF);
     LoopbackServer server(body);
-    QStringList boxes;
-    SetMsgBoxResponder([&boxes](const MsgBoxCall& call) {
-        boxes << call.prompt;
-        return int(vbCancel);
-    });
+    BoxRecorder boxes(vbCancel);
     std::vector<double> times;
-    for (int run = 0; run < runs && boxes.isEmpty(); ++run) {
+    for (int run = 0; run < runs && boxes.prompts.isEmpty(); ++run) {
         QTemporaryDir folder;
         const QString target = folder.filePath("update.bin");
         frmDownload window;
@@ -81,7 +78,7 @@ std::vector<double> TimeDownload(int megabytes, int runs) {
         if (!succeeded || QFileInfo(target).size() != body.size())
             throw VbError(0, "the download did not arrive whole");
     }
-    SetMsgBoxResponder({});
-    if (!boxes.isEmpty()) throw VbError(0, "the download asked: " + boxes.join(" "));
+    if (!boxes.prompts.isEmpty())
+        throw VbError(0, "the download asked: " + boxes.prompts.join(" "));
     return times;
 }

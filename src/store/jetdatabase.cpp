@@ -12,6 +12,7 @@
 #include "store/dao_detail.h"
 #include "store/jetlike.h"
 #include "store/jetprobe.h"
+#include "store/mdbrows.h"
 
 using namespace dao_detail;
 
@@ -162,28 +163,21 @@ void CopyTable(const Connection& connection, MdbCatalogEntry* entry, int jetVers
     if (columns.empty()) return;
     Exec(connection, "CREATE TABLE " + Quoted(name) + " (" + definitions.join(", ") + ")");
 
-    const size_t bindSize = handle.table->entry->mdb->bind_size;
-    std::vector<std::vector<char>> buffers(columns.size(), std::vector<char>(bindSize + 1));
-    std::vector<int> lengths(columns.size());
-    for (size_t i = 0; i < columns.size(); ++i)
-        mdb_bind_column(table, static_cast<int>(i) + 1, buffers[i].data(), &lengths[i]);
-
     sqlite3_stmt* insert = nullptr;
     const QString sql = "INSERT INTO " + Quoted(name) + " VALUES (" + placeholders.join(", ") + ")";
     if (sqlite3_prepare_v2(connection.db, sql.toUtf8().constData(), -1, &insert, nullptr) !=
         SQLITE_OK)
         RaiseSqlite(connection);
-    mdb_rewind_table(table);
-    // A damaged file may claim any number of rows; the copy stops at the count the table
-    // declares.
-    for (unsigned row = 0; row <= table->num_rows && mdb_fetch_row(table); ++row) {
+    const int bindSize = static_cast<int>(table->entry->mdb->bind_size);
+    ForEachMdbRow(table, [&](const MdbRowBuffers& row) {
         for (size_t i = 0; i < columns.size(); ++i) {
-            const int length = std::clamp(lengths[i], 0, static_cast<int>(bindSize));
-            Bind(insert, static_cast<int>(i) + 1, Converted(columns[i], buffers[i].data(), length));
+            const int length = std::clamp(row.lengths[i], 0, bindSize);
+            Bind(insert, static_cast<int>(i) + 1,
+                 Converted(columns[i], row.bytes[i].data(), length));
         }
         if (sqlite3_step(insert) != SQLITE_DONE) RaiseSqlite(connection, insert);
         sqlite3_reset(insert);
-    }
+    });
     sqlite3_finalize(insert);
     // Rows are looked up one at a time by their long-integer keys (identities, references);
     // indexed, such a lookup does not read the whole table.

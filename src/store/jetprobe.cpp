@@ -8,7 +8,8 @@
 #include <QFile>
 #include <chrono>
 #include <thread>
-#include <vector>
+
+#include "store/mdbrows.h"
 
 namespace {
 
@@ -23,16 +24,7 @@ void ReadEverything(const QByteArray& path) {
         if (entry->object_type != MDB_TABLE) continue;
         MdbTableDef* table = mdb_read_table(entry);
         if (!table) continue;
-        if (mdb_read_columns(table)) {
-            std::vector<std::vector<char>> buffers(table->num_cols,
-                                                   std::vector<char>(mdb->bind_size + 1));
-            std::vector<int> lengths(table->num_cols);
-            for (unsigned column = 0; column < table->num_cols; ++column)
-                mdb_bind_column(table, int(column) + 1, buffers[column].data(), &lengths[column]);
-            mdb_rewind_table(table);
-            for (unsigned row = 0; row <= table->num_rows && mdb_fetch_row(table); ++row) {
-            }
-        }
+        if (mdb_read_columns(table)) ForEachMdbRow(table, [](const MdbRowBuffers&) {});
         mdb_free_tabledef(table);
     }
     mdb_close(mdb);
