@@ -25,6 +25,7 @@
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
+#include "shell/submain.h"
 #include "toolkit/resources.h"
 #include "toolkit/vberror.h"
 #include "toolkit/vbruntime.h"
@@ -247,6 +248,8 @@ int Usage() {
 
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Memory behaves as in the program itself.
+    KeepFreedMemoryForReuse();
     QApplication app(argc, argv);
     InitResources();
 

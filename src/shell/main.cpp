@@ -11,6 +11,7 @@ int main(int argc, char** argv) {
     // A file that outgrows the user's file size limit must fail its write, not end the program
     // with the catalogue open.
     std::signal(SIGXFSZ, SIG_IGN);
+    KeepFreedMemoryForReuse();
     QApplication app(argc, argv);
     InitResources();
     App.Path = QDir(QCoreApplication::applicationDirPath()).absolutePath();

@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <QMetaObject>
 #include <QScopedValueRollback>
+#include <QSet>
 
 #include "lookups/viewqueries.h"
 #include "shell/frmMain.h"
@@ -70,13 +71,16 @@ std::vector<TitleRow> ReadRows(Recordset* view, long count) {
     const std::array<Field, 5> subItems = {view->Fields("nmvendor"), view->Fields("nmtype"),
                                            view->Fields("nmspecific"), view->Fields("nrcds"),
                                            view->Fields("nmmediatype")};
+    // Vendors, types, kinds, counts and media repeat over thousands of titles: the rows share
+    // one copy of each, which keeps a large list small and lets it measure each text once.
+    std::array<QSet<QString>, 5> sharedTexts;
     for (long row = 1; row <= count; ++row) {
         UpdateItemCount(row, "");
         const QString tag = NzText(idcd.Value());
         const int idplatform = platform.Value().toInt();
         TitleRow item{"id" + tag, NzText(name.Value()), {}, tag, idplatform < 6 ? idplatform : 6};
         for (size_t column = 0; column < subItems.size(); ++column)
-            item.subItems[column] = NzText(subItems[column].Value());
+            item.subItems[column] = *sharedTexts[column].insert(NzText(subItems[column].Value()));
         rows.push_back(std::move(item));
         view->MoveNext();
     }

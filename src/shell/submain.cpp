@@ -1,5 +1,7 @@
 #include "shell/submain.h"
 
+#include <malloc.h>
+
 #include <QApplication>
 
 #include "shell/frmMain.h"
@@ -25,4 +27,11 @@ int SubMain() {
         return 0;
     }
     return QApplication::exec();
+}
+
+void KeepFreedMemoryForReuse() {
+    constexpr int kLargestMappedAllocation = 32 * 1024 * 1024;
+    constexpr int kFreeTopKept = 256 * 1024 * 1024;
+    mallopt(M_MMAP_THRESHOLD, kLargestMappedAllocation);
+    mallopt(M_TRIM_THRESHOLD, kFreeTopKept);
 }

@@ -6,6 +6,7 @@
 
 #include "store/jettext.h"
 #include "toolkit/imagelists.h"
+#include "toolkit/sortbyruns.h"
 
 namespace {
 
@@ -122,28 +123,43 @@ bool TitleListModel::Before(const TitleRow& a, const TitleRow& b) const {
     return sortOrder_ == Qt::AscendingOrder ? order < 0 : order > 0;
 }
 
+namespace {
+
+// Puts rows[order[i]] at place i, moving each row once.
+void Permute(std::vector<TitleRow>& rows, const std::vector<int>& order) {
+    std::vector<bool> placed(rows.size());
+    for (size_t start = 0; start < rows.size(); ++start) {
+        if (placed[start]) continue;
+        TitleRow first = std::move(rows[start]);
+        size_t place = start;
+        for (;;) {
+            placed[place] = true;
+            const auto from = static_cast<size_t>(order[place]);
+            if (from == start) break;
+            rows[place] = std::move(rows[from]);
+            place = from;
+        }
+        rows[place] = std::move(first);
+    }
+}
+
+}  // namespace
+
 std::vector<int> TitleListModel::SortVector() {
     // The list sorts as the catalogue does; preparing each text once makes each comparison a
     // plain one.
     std::vector<jettext::SortKey> keys(rows_.size());
     for (size_t row = 0; row < rows_.size(); ++row)
         keys[row] = jettext::MakeSortKey(Text(static_cast<int>(row), sortKey_));
-    const auto before = [&keys](int a, int b) { return jettext::Compare(keys[a], keys[b]) < 0; };
     std::vector<int> order(rows_.size());
     std::iota(order.begin(), order.end(), 0);
     if (sortOrder_ == Qt::AscendingOrder)
-        std::stable_sort(order.begin(), order.end(), before);
+        SortByRuns(order, [&keys](int a, int b) { return jettext::Compare(keys[a], keys[b]) < 0; });
     else
-        std::stable_sort(order.begin(), order.end(),
-                         [&before](int a, int b) { return before(b, a); });
-    std::vector<TitleRow> sorted;
-    sorted.reserve(rows_.size());
+        SortByRuns(order, [&keys](int a, int b) { return jettext::Compare(keys[b], keys[a]) < 0; });
+    Permute(rows_, order);
     std::vector<int> newRowOf(rows_.size());
-    for (size_t row = 0; row < order.size(); ++row) {
-        newRowOf[order[row]] = static_cast<int>(row);
-        sorted.push_back(std::move(rows_[order[row]]));
-    }
-    rows_ = std::move(sorted);
+    for (size_t row = 0; row < order.size(); ++row) newRowOf[order[row]] = static_cast<int>(row);
     return newRowOf;
 }
 
@@ -163,17 +179,30 @@ void TitleListModel::SortRows() {
 int TitleListModel::WidestRow(int column, const QFontMetrics& font) const {
     if (rows_.empty()) return -1;
     std::vector<qint16> advance(0x10000, -1);
+    // Vendors, types and media are shared texts repeated over many rows: each is measured once.
+    struct MeasuredText {
+        const QChar* data = nullptr;
+        qsizetype size = 0;
+        int width = 0;
+    };
+    std::array<MeasuredText, 256> measured{};
     std::vector<int> estimate(rows_.size());
     int widestEstimate = 0;
     for (size_t row = 0; row < rows_.size(); ++row) {
-        int width = 0;
-        for (const QChar c : Text(static_cast<int>(row), column)) {
-            qint16& cached = advance[c.unicode()];
-            if (cached < 0) cached = static_cast<qint16>(font.horizontalAdvance(c));
-            width += cached;
+        const QString& text = Text(static_cast<int>(row), column);
+        MeasuredText& slot =
+            measured[(reinterpret_cast<quintptr>(text.constData()) >> 4) % measured.size()];
+        if (slot.data != text.constData() || slot.size != text.size()) {
+            int width = 0;
+            for (const QChar c : text) {
+                qint16& cached = advance[c.unicode()];
+                if (cached < 0) cached = static_cast<qint16>(font.horizontalAdvance(c));
+                width += cached;
+            }
+            slot = {text.constData(), text.size(), width};
         }
-        estimate[row] = width;
-        widestEstimate = std::max(widestEstimate, width);
+        estimate[row] = slot.width;
+        widestEstimate = std::max(widestEstimate, slot.width);
     }
     std::vector<int> candidates;
     for (size_t row = 0; row < rows_.size(); ++row)

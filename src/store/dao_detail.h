@@ -50,10 +50,20 @@ struct Column {
     bool counter = false;     // the table's INTEGER PRIMARY KEY
 };
 
+// A key of an order the recordset puts its rows in itself.
+struct SortTerm {
+    int column;
+    bool descending;
+    CachedRow::TextOrder textOrder;
+};
+
 // What opening a statement learns once: its fields and the text it is prepared from. Recordsets
 // opened on it hand their prepared statements back when they close, for the next opening.
 struct OpenPlan {
     QByteArray preparedText;
+    // The statement's order by, when this layer sorts the rows itself and the prepared text
+    // leaves the clause out.
+    std::vector<SortTerm> sortTerms;
     std::vector<Column> columns;
     std::vector<QString> rowidTables;
     QHash<QString, int> qualifiedNames;
@@ -88,6 +98,10 @@ struct RecordsetData {
     // the current row alone: a walk over large memos or listings holds one at a time.
     std::vector<CachedRow> rows;
     long firstCached = 0;
+    // A recordset that sorts its own rows reads them all at the start; they are taken from
+    // here as the recordset moves on, so that it counts and moves as any other.
+    std::vector<CachedRow> sortedAhead;
+    size_t nextAhead = 0;
     bool exhausted = false;
     bool closed = false;
     long position = -1;  // current row; -1 before the first
@@ -119,6 +133,11 @@ struct RecordsetData {
     void RequireCached(long index) const;
     void FetchAll();
     void Start();
+    // Reads every row of the statement and sorts them by the plan's terms.
+    void ReadAllSorted();
+    // A row added through this recordset: it comes after the rows the recordset has still to
+    // reach, as the rows of a finished statement end there.
+    void AppendAdded(CachedRow row);
     QVariant CachedValue(int column) const;
     // The field as the program sees it: the edited value between AddNew or Edit and Update.
     QVariant Read(int column);

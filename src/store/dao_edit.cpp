@@ -212,8 +212,7 @@ void Recordset::Update() {
         return;
     }
     if (d->type == dbOpenTable) ++d->tableCount;
-    // A statement still running may yet reach the new row itself; a finished one never will.
-    if (d->exhausted) d->rows.push_back(CachedRow::FromValues(row));
+    d->AppendAdded(CachedRow::FromValues(row));
 }
 
 void Recordset::Delete() {

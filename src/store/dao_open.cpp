@@ -3,6 +3,7 @@
 
 #include "store/adaptedsql.h"
 #include "store/dao_detail.h"
+#include "store/jettext.h"
 #include "store/sqltext.h"
 
 using namespace dao_detail;
@@ -93,6 +94,86 @@ std::shared_ptr<OpenPlan> MakePlan(const Connection& connection, const QString& 
     return plan;
 }
 
+// The order by terms as fields of the rows, or none when one of them is not plainly a field
+// whose collation this layer compares as SQLite does.
+std::vector<SortTerm> OwnSortTerms(const Connection& connection, const OpenPlan& plan,
+                                   const std::vector<sqltext::OrderTerm>& terms) {
+    // A view's field may carry a collation of the view's own that its origin does not show.
+    if (RunInternal(connection, "SELECT count(*) FROM sqlite_master WHERE type = 'view'")
+            .value(0)
+            .toLongLong() > 0)
+        return {};
+    std::vector<SortTerm> sortTerms;
+    for (const sqltext::OrderTerm& term : terms) {
+        // A name alone is read as the name of a field first; with its table it is that table's
+        // column. Either must point at exactly one field, and that field must be the column
+        // itself, not an expression or another column under this name.
+        std::vector<size_t> matches;
+        for (size_t i = 0; i < plan.columns.size(); ++i) {
+            const Column& column = plan.columns[i];
+            const bool named =
+                term.table.isEmpty()
+                    ? column.name.compare(term.column, Qt::CaseInsensitive) == 0
+                    : column.table.compare(term.table, Qt::CaseInsensitive) == 0 &&
+                          column.origin.compare(term.column, Qt::CaseInsensitive) == 0;
+            if (named) matches.push_back(i);
+        }
+        if (matches.size() != 1) return {};
+        const Column& column = plan.columns[matches.front()];
+        if (column.table.isEmpty() || column.origin.compare(term.column, Qt::CaseInsensitive) != 0)
+            return {};
+        const char* collation = nullptr;
+        if (sqlite3_table_column_metadata(connection.db, nullptr, column.table.toUtf8().constData(),
+                                          column.origin.toUtf8().constData(), nullptr, &collation,
+                                          nullptr, nullptr, nullptr) != SQLITE_OK)
+            return {};
+        const QString name = Text(collation).toUpper();
+        CachedRow::TextOrder textOrder;
+        if (name == "BINARY")
+            textOrder = CachedRow::TextOrder::Binary;
+        else if (name == "NOCASE")
+            textOrder = CachedRow::TextOrder::NoCase;
+        else if (name == jettext::kCollation)
+            textOrder = CachedRow::TextOrder::Jet;
+        else
+            return {};
+        sortTerms.push_back({static_cast<int>(matches.front()), term.descending, textOrder});
+    }
+    return sortTerms;
+}
+
+// A recordset that keeps every row it reads sorts them itself when the order is plain enough:
+// SQLite would write each wide row of a join into its sorter and read it back, and a large view
+// comes mostly sorted already (by the index it is read through).
+std::shared_ptr<OpenPlan> WithOwnSort(const Connection& connection, std::shared_ptr<OpenPlan> plan,
+                                      bool editable, sqlite3_stmt*& statement,
+                                      const QString& text) {
+    const auto split = sqltext::SplitSimpleOrderBy(text);
+    if (!split) return plan;
+    std::vector<SortTerm> terms = OwnSortTerms(connection, *plan, split->terms);
+    if (terms.empty()) return plan;
+    sqlite3_stmt* unsortedStatement = nullptr;
+    std::shared_ptr<OpenPlan> unsorted;
+    try {
+        unsorted = MakePlan(connection, split->withoutOrder, editable, unsortedStatement);
+    } catch (const VbError&) {
+        return plan;
+    }
+    const auto sameField = [](const Column& a, const Column& b) {
+        return a.name == b.name && a.table == b.table && a.origin == b.origin;
+    };
+    if (!std::equal(plan->columns.begin(), plan->columns.end(), unsorted->columns.begin(),
+                    unsorted->columns.end(), sameField) ||
+        plan->rowidTables != unsorted->rowidTables) {
+        sqlite3_finalize(unsortedStatement);
+        return plan;
+    }
+    sqlite3_finalize(statement);
+    statement = unsortedStatement;
+    unsorted->sortTerms = std::move(terms);
+    return unsorted;
+}
+
 bool IsTable(const Connection& connection, const QString& name, bool* view) {
     const QVariant kind = RunInternal(connection,
                                       "SELECT type FROM sqlite_master WHERE type IN ('table', "
@@ -109,12 +190,20 @@ void Open(RecordsetData& d) {
         (d.type == dbOpenTable || d.type == dbOpenDynaset) && !(d.options & dbReadOnly);
     const sqltext::ParameterizedStatement parameterized =
         sqltext::WithComparedValuesAsParameters(AdaptStatement(d.sql));
-    const QString key = QLatin1String(editable ? "e " : "r ") + parameterized.text;
+    // A forward-only recordset keeps one row at a time, so SQLite sorts for it.
+    const bool keepsRows = d.type != dbOpenForwardOnly;
+    const QString key = QLatin1String(editable    ? "e "
+                                      : keepsRows ? "r "
+                                                  : "f ") +
+                        parameterized.text;
     std::shared_ptr<OpenPlan> plan = connection.openPlans.value(key);
     sqlite3_stmt* statement = nullptr;
     if (!plan) {
         constexpr qsizetype kMostPlans = 256;
         plan = MakePlan(connection, parameterized.text, editable, statement);
+        if (keepsRows)
+            plan =
+                WithOwnSort(connection, std::move(plan), editable, statement, parameterized.text);
         if (connection.openPlans.size() >= kMostPlans) connection.ForgetOpenPlans();
         connection.openPlans.insert(key, plan);
     } else if (!plan->idle.empty()) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "store/dao_detail.h"
+#include "toolkit/sortbyruns.h"
 
 using namespace dao_detail;
 
@@ -36,7 +37,17 @@ void RecordsetData::RequireCurrent() const {
 
 bool RecordsetData::FetchTo(long index) {
     while (FetchedCount() <= index) {
-        if (exhausted || !statement) return false;
+        if (exhausted) return false;
+        if (nextAhead < sortedAhead.size()) {
+            rows.push_back(std::move(sortedAhead[nextAhead++]));
+            if (nextAhead == sortedAhead.size()) {
+                exhausted = true;
+                sortedAhead.clear();
+                nextAhead = 0;
+            }
+            continue;
+        }
+        if (!statement) return false;
         const int result = sqlite3_step(statement);
         if (result == SQLITE_ROW) {
             if (type == dbOpenForwardOnly) {
@@ -61,9 +72,45 @@ void RecordsetData::RequireCached(long index) const {
     if (type == dbOpenForwardOnly && index < firstCached) Raise(3219);
 }
 
+void RecordsetData::ReadAllSorted() {
+    std::vector<CachedRow> all;
+    for (;;) {
+        const int result = sqlite3_step(statement);
+        if (result != SQLITE_ROW) {
+            sqlite3_reset(statement);
+            if (result != SQLITE_DONE) RaiseSqlite(*connection);
+            break;
+        }
+        all.push_back(CachedRow::FromStatement(statement, statementColumns));
+    }
+    const std::vector<SortTerm>& terms = plan->sortTerms;
+    SortByRuns(all, [&terms](const CachedRow& a, const CachedRow& b) {
+        for (const SortTerm& term : terms) {
+            const int order = CachedRow::Compare(a, b, term.column, term.textOrder);
+            if (order != 0) return term.descending ? order > 0 : order < 0;
+        }
+        return false;
+    });
+    if (all.empty())
+        exhausted = true;
+    else
+        sortedAhead = std::move(all);
+}
+
+void RecordsetData::AppendAdded(CachedRow row) {
+    // A statement still running may yet reach the new row itself; the rows read and sorted at
+    // the start end with it, as a finished statement's do.
+    if (exhausted)
+        rows.push_back(std::move(row));
+    else if (!sortedAhead.empty())
+        sortedAhead.push_back(std::move(row));
+}
+
 void RecordsetData::Start() {
     rows.clear();
     firstCached = 0;
+    sortedAhead.clear();
+    nextAhead = 0;
     exhausted = false;
     position = -1;
     eof = false;
@@ -72,6 +119,7 @@ void RecordsetData::Start() {
     if (type == dbOpenTable)
         tableCount =
             RunInternal(*connection, "select count(*) from " + Quoted(table)).value(0).toLongLong();
+    if (plan && !plan->sortTerms.empty() && statement) ReadAllSorted();
     if (FetchTo(0))
         position = 0;
     else

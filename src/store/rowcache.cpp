@@ -3,6 +3,9 @@
 #include <QDate>
 #include <QDateTime>
 #include <cstring>
+#include <string_view>
+
+#include "store/jettext.h"
 
 namespace dao_detail {
 namespace {
@@ -19,62 +22,79 @@ quint32 IntegerSize(qint64 value) {
 }  // namespace
 
 CachedRow CachedRow::Build(const Span* spans, int columns) {
-    size_t total = columns * (1 + sizeof(quint32));
-    for (int i = 0; i < columns; ++i) total += spans[i].size;
+    size_t byteCount = 0;
+    for (int i = 0; i < columns; ++i) byteCount += spans[i].size;
     CachedRow row;
     row.columns_ = columns;
-    row.data_.reset(new char[total]);
+    row.wideOffsets_ = byteCount > 0xFFFF;
+    const size_t offsetSize = row.wideOffsets_ ? sizeof(quint32) : sizeof(quint16);
+    row.data_.reset(new char[columns * (1 + offsetSize) + byteCount]);
     char* kinds = row.data_.get();
     char* ends = kinds + columns;
-    char* bytes = ends + columns * sizeof(quint32);
+    char* bytes = ends + columns * offsetSize;
     quint32 end = 0;
     for (int i = 0; i < columns; ++i) {
         kinds[i] = static_cast<char>(spans[i].kind);
         if (spans[i].size) std::memcpy(bytes + end, spans[i].bytes, spans[i].size);
         end += spans[i].size;
-        std::memcpy(ends + i * sizeof(quint32), &end, sizeof end);
+        if (row.wideOffsets_) {
+            std::memcpy(ends + i * offsetSize, &end, offsetSize);
+        } else {
+            const auto narrow = static_cast<quint16>(end);
+            std::memcpy(ends + i * offsetSize, &narrow, offsetSize);
+        }
     }
     return row;
 }
 
 CachedRow::Span CachedRow::At(int column) const {
+    const size_t offsetSize = wideOffsets_ ? sizeof(quint32) : sizeof(quint16);
     const char* kinds = data_.get();
     const char* ends = kinds + columns_;
-    const char* bytes = ends + columns_ * sizeof(quint32);
-    quint32 start = 0, end = 0;
-    if (column > 0) std::memcpy(&start, ends + (column - 1) * sizeof(quint32), sizeof start);
-    std::memcpy(&end, ends + column * sizeof(quint32), sizeof end);
+    const char* bytes = ends + columns_ * offsetSize;
+    const auto offset = [&](int at) -> quint32 {
+        if (wideOffsets_) {
+            quint32 value;
+            std::memcpy(&value, ends + at * offsetSize, sizeof value);
+            return value;
+        }
+        quint16 value;
+        std::memcpy(&value, ends + at * offsetSize, sizeof value);
+        return value;
+    };
+    const quint32 start = column > 0 ? offset(column - 1) : 0;
+    const quint32 end = offset(column);
     return {static_cast<Kind>(kinds[column]), bytes + start, end - start};
 }
 
 CachedRow CachedRow::FromStatement(sqlite3_stmt* statement, int columns) {
     // Numbers are copied from here; text and blobs straight from SQLite, whose pointers stay
-    // valid until the next step.
+    // valid until the next step. Each column is fetched once as a value: the column calls would
+    // check the statement again for every type, number and length, which shows in large fills.
+    // Text is read through the blob accessor, which hands over the bytes as they are.
     thread_local std::vector<Span> spans;
     thread_local std::vector<qint64> numbers;
     spans.resize(columns);
     numbers.resize(columns);
     for (int i = 0; i < columns; ++i) {
-        switch (sqlite3_column_type(statement, i)) {
+        sqlite3_value* value = sqlite3_column_value(statement, i);
+        switch (sqlite3_value_type(value)) {
             case SQLITE_INTEGER:
-                numbers[i] = sqlite3_column_int64(statement, i);
+                numbers[i] = sqlite3_value_int64(value);
                 spans[i] = {kInteger, reinterpret_cast<const char*>(&numbers[i]),
                             IntegerSize(numbers[i])};
                 break;
             case SQLITE_FLOAT: {
-                const double value = sqlite3_column_double(statement, i);
-                std::memcpy(&numbers[i], &value, sizeof value);
-                spans[i] = {kReal, reinterpret_cast<const char*>(&numbers[i]), sizeof value};
+                const double real = sqlite3_value_double(value);
+                std::memcpy(&numbers[i], &real, sizeof real);
+                spans[i] = {kReal, reinterpret_cast<const char*>(&numbers[i]), sizeof real};
                 break;
             }
-            case SQLITE_TEXT: {
-                const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, i));
-                spans[i] = {kText, text, static_cast<quint32>(sqlite3_column_bytes(statement, i))};
-                break;
-            }
+            case SQLITE_TEXT:
             case SQLITE_BLOB: {
-                const auto* blob = static_cast<const char*>(sqlite3_column_blob(statement, i));
-                spans[i] = {kBlob, blob, static_cast<quint32>(sqlite3_column_bytes(statement, i))};
+                const Kind kind = sqlite3_value_type(value) == SQLITE_TEXT ? kText : kBlob;
+                const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+                spans[i] = {kind, bytes, static_cast<quint32>(sqlite3_value_bytes(value))};
                 break;
             }
             default:
@@ -146,6 +166,68 @@ QVariant CachedRow::Value(int column) const {
             break;
     }
     return QVariant();
+}
+
+int CachedRow::Compare(const CachedRow& a, const CachedRow& b, int column, TextOrder order) {
+    const Span left = a.At(column);
+    const Span right = b.At(column);
+    const auto rank = [](Kind kind) {
+        switch (kind) {
+            case kNull:
+                return 0;
+            case kInteger:
+            case kReal:
+                return 1;
+            case kText:
+                return 2;
+            case kBlob:
+                return 3;
+        }
+        return 0;
+    };
+    if (rank(left.kind) != rank(right.kind)) return rank(left.kind) < rank(right.kind) ? -1 : 1;
+    const auto sign = [](auto difference) { return (difference > 0) - (difference < 0); };
+    switch (left.kind) {
+        case kNull:
+            return 0;
+        case kInteger:
+        case kReal: {
+            const QVariant x = a.Value(column);
+            const QVariant y = b.Value(column);
+            if (left.kind == kInteger && right.kind == kInteger) {
+                const qint64 p = x.toLongLong();
+                const qint64 q = y.toLongLong();
+                return p < q ? -1 : p > q ? 1 : 0;
+            }
+            // A whole number against a real, as SQLite weighs them: exactly, in long double.
+            const long double p = left.kind == kInteger ? static_cast<long double>(x.toLongLong())
+                                                        : static_cast<long double>(x.toDouble());
+            const long double q = right.kind == kInteger ? static_cast<long double>(y.toLongLong())
+                                                         : static_cast<long double>(y.toDouble());
+            return p < q ? -1 : p > q ? 1 : 0;
+        }
+        case kText: {
+            const std::string_view x(left.bytes, left.size);
+            const std::string_view y(right.bytes, right.size);
+            if (order == TextOrder::Jet) return jettext::CompareUtf8(x, y);
+            if (order == TextOrder::NoCase) {
+                // SQLite's NOCASE folds A to Z only.
+                const auto fold = [](char c) {
+                    const auto byte = static_cast<unsigned char>(c);
+                    return byte >= 'A' && byte <= 'Z' ? byte + ('a' - 'A') : byte;
+                };
+                const size_t common = std::min(x.size(), y.size());
+                for (size_t i = 0; i < common; ++i)
+                    if (fold(x[i]) != fold(y[i])) return fold(x[i]) < fold(y[i]) ? -1 : 1;
+                return sign(static_cast<qint64>(x.size()) - static_cast<qint64>(y.size()));
+            }
+            return sign(x.compare(y));
+        }
+        case kBlob:
+            return sign(std::string_view(left.bytes, left.size)
+                            .compare(std::string_view(right.bytes, right.size)));
+    }
+    return 0;
 }
 
 QVariant StoredForm(const QVariant& value) {

@@ -20,9 +20,16 @@ class CachedRow {
 
     QVariant Value(int column) const;
 
+    // How text compares under a column's collation.
+    enum class TextOrder { Binary, NoCase, Jet };
+    // Below 0, 0 or above 0 as SQLite's ORDER BY puts a's value of column before, level with
+    // or after b's: Null first, then numbers by value, then text, then blobs.
+    static int Compare(const CachedRow& a, const CachedRow& b, int column, TextOrder order);
+
   private:
-    // Layout: a kind byte per column, then the end offset of each column's bytes (4 bytes
-    // each), then the bytes. An integer takes as few bytes as hold it, a Null none.
+    // Layout: a kind byte per column, then the end offset of each column's bytes, then the
+    // bytes. An integer takes as few bytes as hold it, a Null none. Offsets take 2 bytes each,
+    // or 4 in a row whose bytes pass 64 KB (a long listing or memo).
     enum Kind : quint8 { kNull, kInteger, kReal, kText, kBlob };
     struct Span {
         Kind kind;
@@ -34,6 +41,7 @@ class CachedRow {
 
     std::unique_ptr<char[]> data_;
     int columns_ = 0;
+    bool wideOffsets_ = false;
 };
 
 // The value as the store keeps it: invalid for Null, qint64, double, QString or QByteArray.

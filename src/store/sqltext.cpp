@@ -220,4 +220,42 @@ ParameterizedStatement WithComparedValuesAsParameters(const QString& sql) {
     return result.values.empty() ? unchanged : result;
 }
 
+std::optional<SplitOrder> SplitSimpleOrderBy(const QString& sql) {
+    static const QRegularExpression selectOrCollate(R"(\b(select|collate)\b)",
+                                                    QRegularExpression::CaseInsensitiveOption);
+    const QString text = WithoutTrailingSemicolons(sql);
+    const auto words = TopLevelWords(text);
+    if (words.empty() || words[0].lower != "select") return std::nullopt;
+    const auto orderBy = FindWord(words, "order", "by");
+    if (!orderBy) return std::nullopt;
+    // A second select (a subquery, a union) or a COLLATE of the statement's own changes what a
+    // name in the clause stands for or how it sorts.
+    int selectsAndCollates = 0;
+    for (auto found = selectOrCollate.globalMatch(text); found.hasNext(); found.next())
+        ++selectsAndCollates;
+    if (selectsAndCollates != 1) return std::nullopt;
+    static const QString name = R"((?:\[([^\]]+)\]|([A-Za-z_][A-Za-z0-9_]*)))";
+    static const QRegularExpression term(
+        "^\\s*(?:" + name + "\\s*\\.\\s*)?" + name + "(?:\\s+(asc|desc))?\\s*(,|$)",
+        QRegularExpression::CaseInsensitiveOption);
+    SplitOrder split;
+    split.withoutOrder = text.left(*orderBy).trimmed();
+    QStringView clause = QStringView(text).mid(*orderBy).mid(5).trimmed().mid(2);
+    while (!clause.trimmed().isEmpty()) {
+        const auto match = term.match(clause);
+        if (!match.hasMatch()) return std::nullopt;
+        OrderTerm parsed;
+        parsed.table = match.captured(1) + match.captured(2);
+        parsed.column = match.captured(3) + match.captured(4);
+        parsed.descending =
+            match.captured(5).compare(QLatin1String("desc"), Qt::CaseInsensitive) == 0;
+        const QStringView rest = clause.mid(match.capturedEnd(0));
+        if (match.captured(6).isEmpty() != rest.trimmed().isEmpty()) return std::nullopt;
+        split.terms.push_back(parsed);
+        clause = rest;
+    }
+    if (split.terms.empty()) return std::nullopt;
+    return split;
+}
+
 }  // namespace sqltext

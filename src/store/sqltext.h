@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
+#include <optional>
 #include <vector>
 
 namespace sqltext {
@@ -34,5 +35,20 @@ struct ParameterizedStatement {
     std::vector<QVariant> values;
 };
 ParameterizedStatement WithComparedValuesAsParameters(const QString& sql);
+
+// A select whose order by names only columns, each perhaps with its table and a direction, split
+// into the statement without that clause and its terms. Anything else in the clause (numbers,
+// expressions, COLLATE, NULLS, LIMIT) or a statement with more than one select or any COLLATE of
+// its own gives nullopt: only SQLite itself then knows the order.
+struct OrderTerm {
+    QString table;  // empty when the column is named alone
+    QString column;
+    bool descending = false;
+};
+struct SplitOrder {
+    QString withoutOrder;
+    std::vector<OrderTerm> terms;
+};
+std::optional<SplitOrder> SplitSimpleOrderBy(const QString& sql);
 
 }  // namespace sqltext

@@ -254,6 +254,91 @@ class DaoQueryTest : public QObject {
         QCOMPARE(dynaset->RecordCount(), 200L);
     }
 
+    void keptRowsAreSortedAsSqliteSortsThem() {
+        // Every kind of value under each collation; a dynaset sorts what it keeps itself, a
+        // forward-only recordset leaves the sorting to SQLite, and both must agree.
+        gDatabase->Execute(
+            "CREATE TABLE sorts (id INTEGER PRIMARY KEY, jet TEXT COLLATE JETTEXT, plain TEXT, "
+            "nocase TEXT COLLATE NOCASE, anything)");
+        const QStringList texts = {"été", "ete", "Ete", "etf",   "Zebra", "apple", "ÄPFEL",
+                                   "b",   "",    "B",   "zebra", "Ärger", "a"};
+        const QStringList others = {"NULL",  "3",     "3.0", "-0.5", "1e300",   "-9007199254740993",
+                                    "x'00'", "x'ff'", "'3'", "'a'",  "x'0001'", "2.5",
+                                    "NULL"};
+        for (int i = 0; i < texts.size(); ++i)
+            gDatabase->Execute(QString("INSERT INTO sorts (jet, plain, nocase, anything) VALUES "
+                                       "('%1', '%1', '%1', %2)")
+                                   .arg(texts[i], others[i]));
+        gDatabase->Execute(
+            "INSERT INTO sorts (jet, plain, nocase, anything) VALUES (NULL, NULL, "
+            "NULL, 3)");
+        const QStringList orders = {"anything, id",
+                                    "anything desc, id",
+                                    "jet, id",
+                                    "jet desc, id desc",
+                                    "plain, id",
+                                    "[sorts].[nocase] DESC, id",
+                                    "sorts.anything, jet desc, id",
+                                    "1, id",
+                                    "lower(jet), id",
+                                    "jet collate binary, id",
+                                    "nocase, id limit 20"};
+        const auto ids = [](Recordset& rs) {
+            QStringList walked;
+            for (; !rs.IsEOF(); rs.MoveNext()) walked << rs.Fields("id").Value().toString();
+            return walked;
+        };
+        for (const QString& order : orders) {
+            const QString sql = "select * from sorts order by " + order;
+            auto bySqlite = gDatabase->OpenRecordset(sql, dbOpenForwardOnly);
+            auto kept = gDatabase->OpenRecordset(sql, dbOpenDynaset);
+            QCOMPARE(kept->RecordCount(), 1L);
+            QCOMPARE(ids(*kept), ids(*bySqlite));
+        }
+
+        // Counting, adding and reading again behave as over rows a statement gives one by one.
+        auto rs = gDatabase->OpenRecordset("select * from sorts order by jet, id");
+        QCOMPARE(rs->RecordCount(), 1L);
+        QVERIFY(rs->Fields("jet").IsNull());
+        rs->MoveNext();
+        QCOMPARE(rs->RecordCount(), 2L);
+        QCOMPARE(rs->Fields("jet").Value().toString(), QString(""));
+        rs->AddNew();
+        rs->Fields("jet").SetValue("Aardvark");
+        rs->Update();
+        rs->MoveLast();
+        QCOMPARE(rs->RecordCount(), 15L);
+        QCOMPARE(rs->Fields("jet").Value().toString(), QString("Aardvark"));
+        rs->Requery();
+        rs->MoveNext();
+        rs->MoveNext();
+        QCOMPARE(rs->Fields("jet").Value().toString(), QString("a"));
+        rs->MoveNext();
+        QCOMPARE(rs->Fields("jet").Value().toString(), QString("Aardvark"));
+
+        using sqltext::SplitSimpleOrderBy;
+        const auto split = SplitSimpleOrderBy(
+            "select * from title where nmcd = 'x' ORDER BY [platform].nmplatform desc, nmcd;");
+        QVERIFY(split);
+        QCOMPARE(split->withoutOrder, QString("select * from title where nmcd = 'x'"));
+        QCOMPARE(split->terms.size(), size_t(2));
+        QCOMPARE(split->terms[0].table, QString("platform"));
+        QCOMPARE(split->terms[0].column, QString("nmplatform"));
+        QVERIFY(split->terms[0].descending);
+        QVERIFY(split->terms[1].table.isEmpty());
+        QVERIFY(!split->terms[1].descending);
+        for (const char* kept :
+             {"select * from title", "select * from title order by 2",
+              "select * from title order by nmcd collate nocase",
+              "select * from title order by nmcd limit 3",
+              "select * from title order by nmcd descending", "select * from title order by nmcd,",
+              "select nmcd from title union select nmvendor from vendor "
+              "order by nmcd",
+              "select * from title where idcd in (select idcd from Tracks) "
+              "order by nmcd"})
+            QVERIFY2(!SplitSimpleOrderBy(kept), kept);
+    }
+
     void comparedValuesBecomeParametersOnlyInTheWhereClause() {
         using sqltext::WithComparedValuesAsParameters;
         const auto lookup = WithComparedValuesAsParameters(
