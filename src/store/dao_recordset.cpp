@@ -91,10 +91,12 @@ void RecordsetData::ReadAllSorted() {
         }
         return false;
     });
-    if (all.empty())
+    if (all.empty()) {
         exhausted = true;
-    else
-        sortedAhead = std::move(all);
+        return;
+    }
+    rows.reserve(all.size());
+    sortedAhead = std::move(all);
 }
 
 void RecordsetData::AppendAdded(CachedRow row) {
