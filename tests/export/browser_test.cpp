@@ -23,14 +23,14 @@ class BrowserTest : public QObject {
         folder.openCatalogue();
         AddTitles();
         ScriptedDialogs dialogs;
-        ScriptedChooser chooser;
         const QString page = folder.file("page.html");
-        chooser.answers << page;
+        dialogs.answerFile(page);
         frmExport form;
         form.Form_Load();
         form.OpenHtmlAfterExport = false;
         for (QCheckBox* field : form.Check3) field->setChecked(true);
-        form.ExportRecordset = gDatabase->OpenRecordset(kAllTitles, dbOpenDynaset, dbReadOnly);
+        form.ExportRecordset =
+            gDatabase->OpenRecordset(kTitleJoinInListOrder, dbOpenDynaset, dbReadOnly);
         long count = 5;
         form.ExportToHtml(count);
 

@@ -16,9 +16,7 @@
 namespace {
 
 QByteArray Head(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    return file.read(15);
+    return ReadBytes(path, 15);
 }
 
 // The program itself, started as a process of its own on folder: it tells when it runs and

@@ -17,15 +17,11 @@
 namespace {
 
 QByteArray FileHead(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    return file.read(15);
+    return ReadBytes(path, 15);
 }
 
 long TitleCount() {
-    auto titles = gDatabase->OpenRecordset("select * from title", dbOpenDynaset);
-    if (!titles->IsEOF()) titles->MoveLast();
-    return titles->RecordCount();
+    return Scalar("select count(*) from title").toLongLong();
 }
 
 void AddTitle(int idcd, const QString& memo) {
@@ -56,18 +52,11 @@ class CompactionTest : public QObject {
         QCOMPARE(CompactInto(gDatabasePath, target, gDatabasePassword), QString());
         QVERIFY(QFileInfo(target).size() < QFileInfo(gDatabasePath).size());
 
-        const QByteArray compacted = [&] {
-            QFile file(target);
-            file.open(QIODevice::ReadOnly);
-            return file.readAll();
-        }();
+        const QByteArray compacted = ReadBytes(target);
         const QString errors = CompactInto(gDatabasePath, target, gDatabasePassword);
         QVERIFY2(kEngineErrors.match(errors).hasMatch(), qPrintable(errors));
         QVERIFY(errors.startsWith("3204|"));
-        QFile file(target);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), compacted);
-        file.close();
+        QCOMPARE(ReadBytes(target), compacted);
 
         gDatabase = DBEngine::OpenDatabase(target, true, false, ";pwd=" + gDatabasePassword);
         QCOMPARE(TitleCount(), 10L);
@@ -80,11 +69,7 @@ class CompactionTest : public QObject {
         TempProgramFolder folder;
         folder.installCatalogue();
         const QString leftover = folder.file("data.compacted");
-        {
-            QFile file(leftover);
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write("partial");
-        }
+        WriteBytes(leftover, "partial");
         ScriptedDialogs dialogs;
         for (int run = 1; run <= 2; ++run) {
             StartProgram();
@@ -100,9 +85,7 @@ class CompactionTest : public QObject {
             QVERIFY2(box.prompt.startsWith("3204|"), qPrintable(box.prompt));
             QVERIFY(kEngineErrors.match(box.prompt).hasMatch());
             QCOMPARE(FileHead(folder.file("data.gdb")), QByteArray("SQLite format F"));
-            QFile file(leftover);
-            QVERIFY(file.open(QIODevice::ReadOnly));
-            QCOMPARE(file.readAll(), QByteArray("partial"));
+            QCOMPARE(ReadBytes(leftover), QByteArray("partial"));
         }
     }
 
@@ -126,12 +109,10 @@ class CompactionTest : public QObject {
         QVERIFY(dialogs.msgBoxes.isEmpty());
 
         FlipDatabaseHeader(folder.file("data.gdb"), kUnguardHeader);
-        try {
-            DBEngine::OpenDatabase(folder.file("data.gdb"), true, false, ";pwd=another");
-            QFAIL("a wrong password opened the compacted catalogue");
-        } catch (const VbError& error) {
-            QCOMPARE(error.Number, 3031);
-        }
+        QCOMPARE(ErrorNumber([&] {
+                     DBEngine::OpenDatabase(folder.file("data.gdb"), true, false, ";pwd=another");
+                 }),
+                 3031);
     }
 
     void windowCannotBeClosedAndClosesItselfWhenDone() {

@@ -24,14 +24,10 @@ class DaoEngineTest : public QObject {
         TempProgramFolder folder;
         folder.installCatalogue();
         const QString path = folder.file("data.gdb");
-        try {
-            DBEngine::OpenDatabase(folder.file("missing.gdb"), true, false, Connect());
-            QFAIL("a missing file opened");
-        } catch (const VbError& error) {
-            QCOMPARE(error.Number, int(jetCouldNotFindFile));
-            QCOMPARE(error.Description,
-                     "Could not find file '" + folder.file("missing.gdb") + "'.");
-        }
+        QCOMPARE(Refusal([&] {
+                     DBEngine::OpenDatabase(folder.file("missing.gdb"), true, false, Connect());
+                 }),
+                 "3024 Could not find file '" + folder.file("missing.gdb") + "'.");
         QCOMPARE(ErrorNumber([&] { DBEngine::OpenDatabase(path, true, false, ";pwd=wrong"); }),
                  int(jetNotValidPassword));
         QCOMPARE(DBEngine::Errors().front().Description, QString("Not a valid password."));
@@ -39,22 +35,14 @@ class DaoEngineTest : public QObject {
                  int(jetNotValidPassword));
 
         // The guarded file is no database until its signature is repaired.
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadWrite));
-        file.seek(14);
-        file.write("F");
-        file.close();
-        try {
-            DBEngine::OpenDatabase(path, true, false, Connect());
-            QFAIL("a guarded file opened");
-        } catch (const VbError& error) {
-            QCOMPARE(error.Number, 3343);
-            QCOMPARE(error.Description, "Unrecognized database format '" + path + "'.");
-        }
-        QVERIFY(file.open(QIODevice::ReadWrite));
-        file.seek(14);
-        file.write("3");
-        file.close();
+        const auto sign = [&](const char* mark) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::ReadWrite) && file.seek(14) && file.write(mark) == 1);
+        };
+        sign("F");
+        QCOMPARE(Refusal([&] { DBEngine::OpenDatabase(path, true, false, Connect()); }),
+                 "3343 Unrecognized database format '" + path + "'.");
+        sign("3");
         QVERIFY(DBEngine::OpenDatabase(path, true, false, Connect())->IsOpen());
     }
 
@@ -117,13 +105,11 @@ class DaoEngineTest : public QObject {
             QCOMPARE(rs->Fields("nmcd").Value().toString(), QString("Kept"));
         }
         // Like Jet, compaction does not overwrite.
-        try {
-            DBEngine::CompactDatabase(gDatabasePath, target, QString(), dbVersion40, Connect());
-            QFAIL("an existing target was overwritten");
-        } catch (const VbError& error) {
-            QCOMPARE(error.Number, int(jetFileAlreadyExists));
-            QCOMPARE(error.Description, QString("Database already exists."));
-        }
+        QCOMPARE(Refusal([&] {
+                     DBEngine::CompactDatabase(gDatabasePath, target, QString(), dbVersion40,
+                                               Connect());
+                 }),
+                 QString::number(jetFileAlreadyExists) + " Database already exists.");
         QCOMPARE(DBEngine::Errors().size(), 1);
         QCOMPARE(DBEngine::Errors().front().Number, int(jetFileAlreadyExists));
     }

@@ -8,7 +8,7 @@
 namespace {
 
 QString Fixture(const QString& name) {
-    return QStringLiteral(VELMORA_FIXTURES_DIR) + "/deluxe/" + name;
+    return FixturePath("deluxe/" + name);
 }
 
 // Records what reaches the file's writer; refuses when told to.
@@ -25,15 +25,6 @@ class RecordingWriter : public JetWriter {
     QList<JetRowChange>* changes_;
     bool* refuse_;
 };
-
-int ErrorNumberOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const VbError& error) {
-        return error.Number;
-    }
-    return 0;
-}
 
 }  // namespace
 
@@ -85,46 +76,33 @@ class JetDatabaseTest : public QObject {
 
     void damagedFilesAreRefusedWithJetsErrors() {
         const QString zero = dir.filePath("zero.mdb");
-        QFile(zero).open(QIODevice::WriteOnly);
-        QCOMPARE(ErrorNumberOf([&] { DBEngine::OpenDatabase(zero); }), 3343);
+        WriteBytes(zero, {});
+        QCOMPARE(ErrorNumber([&] { DBEngine::OpenDatabase(zero); }), 3343);
 
-        QFile whole(Fixture("cd_pk.mdb"));
-        QVERIFY(whole.open(QIODevice::ReadOnly));
-        const QByteArray bytes = whole.readAll();
         const QString truncated = dir.filePath("truncated.mdb");
-        QFile cut(truncated);
-        QVERIFY(cut.open(QIODevice::WriteOnly));
-        cut.write(bytes.left(5000));
-        cut.close();
-        QCOMPARE(ErrorNumberOf([&] { DBEngine::OpenDatabase(truncated); }), 3049);
+        WriteBytes(truncated, ReadBytes(Fixture("cd_pk.mdb")).left(5000));
+        QCOMPARE(ErrorNumber([&] { DBEngine::OpenDatabase(truncated); }), 3049);
 
         // One byte of the system table's definition that made libmdb read through a null map.
-        QFile empty(Fixture("cd_empty.mdb"));
-        QVERIFY(empty.open(QIODevice::ReadOnly));
-        QByteArray damagedBytes = empty.readAll();
+        QByteArray damagedBytes = ReadBytes(Fixture("cd_empty.mdb"));
+        QVERIFY(damagedBytes.size() > 8247);
         damagedBytes[8247] = 122;
         const QString damaged = dir.filePath("damaged.mdb");
-        QFile damagedFile(damaged);
-        QVERIFY(damagedFile.open(QIODevice::WriteOnly));
-        damagedFile.write(damagedBytes);
-        damagedFile.close();
-        QCOMPARE(ErrorNumberOf([&] { DBEngine::OpenDatabase(damaged); }), 3049);
-        QCOMPARE(ErrorNumberOf([&] { jet::Writer writer(damaged); }), 3049);
+        WriteBytes(damaged, damagedBytes);
+        QCOMPARE(ErrorNumber([&] { DBEngine::OpenDatabase(damaged); }), 3049);
+        QCOMPARE(ErrorNumber([&] { jet::Writer writer(damaged); }), 3049);
 
         const QString text = dir.filePath("notes.mdb");
-        QFile notes(text);
-        QVERIFY(notes.open(QIODevice::WriteOnly));
-        notes.write("these are not the pages of a database\n");
-        notes.close();
-        QCOMPARE(ErrorNumberOf([&] { DBEngine::OpenDatabase(text); }), 3343);
-        QCOMPARE(ErrorNumberOf([&] { DBEngine::OpenDatabase(dir.filePath("absent.mdb")); }), 3024);
+        WriteBytes(text, "these are not the pages of a database\n");
+        QCOMPARE(ErrorNumber([&] { DBEngine::OpenDatabase(text); }), 3343);
+        QCOMPARE(ErrorNumber([&] { DBEngine::OpenDatabase(dir.filePath("absent.mdb")); }), 3024);
     }
 
     void changesGoOnlyThroughAWriter() {
         auto readOnly = DBEngine::OpenDatabase(Fixture("cd_pk.mdb"));
         auto titles = readOnly->OpenRecordset("Titles");
-        QCOMPARE(ErrorNumberOf([&] { titles->AddNew(); }), 3027);
-        QCOMPARE(ErrorNumberOf([&] { readOnly->Execute("delete from Titles"); }), 3027);
+        QCOMPARE(ErrorNumber([&] { titles->AddNew(); }), 3027);
+        QCOMPARE(ErrorNumber([&] { readOnly->Execute("delete from Titles"); }), 3027);
 
         QList<JetRowChange> changes;
         bool refuse = false;
@@ -154,7 +132,7 @@ class JetDatabaseTest : public QObject {
         refuse = true;
         found->Edit();
         found->Fields("Title").SetValue("Refused");
-        QCOMPARE(ErrorNumberOf([&] { found->Update(); }), 3051);
+        QCOMPARE(ErrorNumber([&] { found->Update(); }), 3051);
         auto again = database->OpenRecordset("select * from Titles where TitleID = 1001");
         QCOMPARE((*again)["Title"].toString(), QString("Renamed"));
         SetJetWriterFactory({});

@@ -115,18 +115,17 @@ class AnimatedGifTest : public QObject {
         AnimatedGifCtl gif;
         gif.LoadGifData("PNG not a picture at all");
         QVERIFY(!gif.bValidGif());
-        QCOMPARE(dialogs.msgBoxes.size(), 2);
-        QCOMPARE(dialogs.msgBoxes[0].title, QString("Not a Valid Animated Gif File!"));
-        QCOMPARE(dialogs.msgBoxes[0].prompt, QString("Sorry, not an Animated Gif file"));
-        QCOMPARE(dialogs.msgBoxes[1].prompt,
-                 QString("Sorry, you must first load a valid Animated Gif file."));
+        QCOMPARE(
+            dialogs.takeBoxes(),
+            Boxes(
+                {{"Sorry, not an Animated Gif file", vbOKOnly, "Not a Valid Animated Gif File!"},
+                 {"Sorry, you must first load a valid Animated Gif file.", vbOKOnly, "Velmora"}}));
         gif.StartTimer();
-        QCOMPARE(dialogs.msgBoxes.last().prompt,
-                 QString("Sorry, you must first load an Animated Gif file"));
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"Sorry, you must first load an Animated Gif file", vbOKOnly, "Velmora"}}));
 
         const QByteArray whole = BuildGif(4, 4, kGlobalTable, {Filled(0, 0, 4, 4, 1)});
         for (int cut : {5, 20, 30, static_cast<int>(whole.size()) - 3}) {
-            dialogs.msgBoxes.clear();
             gif.LoadGifData(whole.left(cut));
             QVERIFY2(!gif.bValidGif(), qPrintable(QString::number(cut)));
             QVERIFY(dialogs.msgBoxes.isEmpty());

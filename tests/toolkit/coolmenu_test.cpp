@@ -13,49 +13,34 @@ class CoolMenuTest : public QObject {
 
   private slots:
     void captionGrammar() {
-        const CMyItemData plain = ParseMenuCaption("&Plain item");
-        QCOMPARE(plain.sMenuText, QString("&Plain item"));
-        QVERIFY(plain.sMenuHelp.isEmpty() && !plain.bAsMark && plain.fType == 0);
-
-        const CMyItemData helped = ParseMenuCaption("|Add a new CD-title|&New CD-title");
-        QCOMPARE(helped.sMenuHelp, QString("Add a new CD-title"));
-        QCOMPARE(helped.sMenuText, QString("&New CD-title"));
-
-        const CMyItemData separator = ParseMenuCaption("-");
-        QCOMPARE(separator.fType, kMenuSeparatorType);
-        QVERIFY(separator.sMenuText.isEmpty());
-        const CMyItemData titled = ParseMenuCaption("-|Section help|Recent");
-        QCOMPARE(titled.fType, kMenuSeparatorType);
-        QCOMPARE(titled.sMenuText, QString("Recent"));
-        QCOMPARE(ParseMenuCaption("-Recent").sMenuText, QString("Recent"));
-
-        const CMyItemData check = ParseMenuCaption("#|Show the tree|&Tree");
-        QVERIFY(check.bAsMark && check.bAsCheck);
-        QCOMPARE(check.sMenuText, QString("&Tree"));
-        QCOMPARE(ParseMenuCaption("#Tree").sMenuText, QString("Tree"));
-        const CMyItemData option = ParseMenuCaption("*&Large");
-        QVERIFY(option.bAsMark && !option.bAsCheck);
-        QCOMPARE(option.sMenuText, QString("&Large"));
-
-        // A numbered recent entry is marked, not checked, and keeps its text.
-        const CMyItemData recent = ParseMenuCaption("&1 data.gdb");
-        QVERIFY(recent.bAsMark && !recent.bAsCheck);
-        QCOMPARE(recent.sMenuText, QString("&1 data.gdb"));
-        QVERIFY(!ParseMenuCaption("&0 data.gdb").bAsMark);
-        QVERIFY(!ParseMenuCaption("&1data.gdb").bAsMark);
-
-        // Restoring gives back a caption that converts to the same item.
-        for (const QString caption :
-             {"|Help|&Caption", "-", "-|Help|Text", "*Text", "&2 Entry", "Plain"}) {
-            const CMyItemData first = ParseMenuCaption(caption);
-            const CMyItemData again = ParseMenuCaption(RebuildMenuCaption(first));
-            QCOMPARE(again.sMenuText, first.sMenuText);
-            QCOMPARE(again.sMenuHelp, first.sMenuHelp);
-            QCOMPARE(again.fType, first.fType);
-            QCOMPARE(again.bAsMark, first.bAsMark);
-            QCOMPARE(again.bAsCheck, first.bAsCheck);
+        // A caption, what it converts to, and that it is given back as it was.
+        const struct {
+            const char *caption, *text, *help;
+            bool separator, mark, check;
+        } captions[] = {
+            {"&Plain item", "&Plain item", "", false, false, false},
+            {"|Add a new CD-title|&New CD-title", "&New CD-title", "Add a new CD-title", false,
+             false, false},
+            {"-", "", "", true, false, false},
+            {"-|Section help|Recent", "Recent", "Section help", true, false, false},
+            {"-Recent", "Recent", "", true, false, false},
+            {"#|Show the tree|&Tree", "&Tree", "Show the tree", false, true, true},
+            {"#Tree", "Tree", "", false, true, true},
+            {"*&Large", "&Large", "", false, true, false},
+            // A numbered recent entry is marked, not checked, and keeps its text.
+            {"&1 data.gdb", "&1 data.gdb", "", false, true, false},
+            {"&0 data.gdb", "&0 data.gdb", "", false, false, false},
+            {"&1data.gdb", "&1data.gdb", "", false, false, false},
+        };
+        for (const auto& c : captions) {
+            const CMyItemData item = ParseMenuCaption(c.caption);
+            QCOMPARE(item.sMenuText, QString(c.text));
+            QCOMPARE(item.sMenuHelp, QString(c.help));
+            QCOMPARE(item.fType, c.separator ? kMenuSeparatorType : 0);
+            QCOMPARE(item.bAsMark, c.mark);
+            QCOMPARE(item.bAsCheck, c.check);
+            QCOMPARE(RebuildMenuCaption(item), QString(c.caption));
         }
-        QCOMPARE(RebuildMenuCaption(ParseMenuCaption("#|Help|Text")), QString("#|Help|Text"));
     }
 
     void imagesFoundByTag() {

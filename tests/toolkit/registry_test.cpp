@@ -17,12 +17,6 @@ QString OdbcPath() {
     return QDir::homePath() + "/.odbc.ini";
 }
 
-void WriteFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
 }  // namespace
 
 class RegistryTest : public QObject {
@@ -126,7 +120,7 @@ class RegistryTest : public QObject {
     }
 
     void odbcSourcesComeFromTheUsersOdbcIni() {
-        WriteFile(
+        WriteBytes(
             OdbcPath(),
             "[ODBC Data Sources]\nDeluxeCD = Microsoft Access Driver\n\n[DeluxeCD]\n"
             "Driver      = MDBTools\nDBQ         = deluxecd.mdb\nDefaultDir  = /home/me/cd\n");
@@ -143,19 +137,19 @@ class RegistryTest : public QObject {
     void withoutAnOdbcSectionTheWinePrefixRegistryAnswers() {
         QTemporaryDir prefix;
         qputenv("WINEPREFIX", prefix.path().toLocal8Bit());
-        WriteFile(prefix.filePath("user.reg"),
-                  "WINE REGISTRY Version 2\n;; All keys relative to \\\\User\\\\S-1-5-21\n\n"
-                  "[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1700000000\n#time=1d9\n"
-                  "\"DBQ\"=\"Deluxe\\\\deluxecd.mdb\"\n"
-                  "\"DefaultDir\"=\"C:\\\\Program Files\\\\Plus! \\\"CD\\\" Caf\\x00e9\"\n"
-                  "\"Flags\"=dword:00000001\n\n[Software\\\\Other]\n\"DBQ\"=\"no\"\n");
+        WriteBytes(prefix.filePath("user.reg"),
+                   "WINE REGISTRY Version 2\n;; All keys relative to \\\\User\\\\S-1-5-21\n\n"
+                   "[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1700000000\n#time=1d9\n"
+                   "\"DBQ\"=\"Deluxe\\\\deluxecd.mdb\"\n"
+                   "\"DefaultDir\"=\"C:\\\\Program Files\\\\Plus! \\\"CD\\\" Caf\\x00e9\"\n"
+                   "\"Flags\"=dword:00000001\n\n[Software\\\\Other]\n\"DBQ\"=\"no\"\n");
         const QString key = "HKEY_CURRENT_USER\\Software\\ODBC\\ODBC.INI\\deluxecd";
         QCOMPARE(GetRegistryValue(key, "dbq"), QString("Deluxe\\deluxecd.mdb"));
         QCOMPARE(GetRegistryValue(key, "DefaultDir"),
                  QString("C:\\Program Files\\Plus! \"CD\" Caf\u00e9"));
         QCOMPARE(GetRegistryValue(key, "Flags"), QString("Error"));
         // The user's own data source comes first.
-        WriteFile(OdbcPath(), "[DeluxeCD]\nDBQ = own.mdb\n");
+        WriteBytes(OdbcPath(), "[DeluxeCD]\nDBQ = own.mdb\n");
         QCOMPARE(GetRegistryValue(key, "DBQ"), QString("own.mdb"));
         QCOMPARE(GetRegistryValue(key, "DefaultDir"), QString("Error"));
         qunsetenv("WINEPREFIX");
