@@ -1,7 +1,8 @@
 // The writers on a small catalogue: the HTML page, the TAB file, the clipboard report,
 // cdplayer.ini and the Deluxe CD player's database, with what they ask, what they write and what
 // they do when writing fails. The Deluxe file is written by the program's own Jet writer and read
-// back by mdbtools, by the program's reading, and by the import into an empty catalogue.
+// back by mdbtools, by the program's reading, and by the import into an empty catalogue; the
+// page is also read by a real browser.
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -10,6 +11,8 @@
 #include <QClipboard>
 #include <QDir>
 #include <QGuiApplication>
+#include <QProcess>
+#include <QStandardPaths>
 #include <csignal>
 
 #include "export/exporttest.h"
@@ -524,6 +527,42 @@ class WritersTest : public QObject {
         // The import reads titles joined to their tracks: the two exported without tracks stay
         // behind, the file's own four come along.
         QCOMPARE(Scalar("select count(*) from title").toInt(), 5);
+    }
+
+    // The exported page as a real browser reads it: headless Chromium's text of the page shows
+    // every title, every platform heading and the accented names as they are in the catalogue.
+    void chromiumShowsTitlesHeadingsAndAccents() {
+        const QString chromium = QStandardPaths::findExecutable("chromium");
+        if (chromium.isEmpty()) QSKIP("chromium is not installed");
+        ScriptedDialogs dialogs;
+        const QString page = folder_->file("page.html");
+        dialogs.answerFile(page);
+        Export(&frmExport::ExportToHtml);
+
+        QTemporaryDir profile;
+        QProcess browser;
+        browser.start(chromium, {"--headless", "--no-sandbox", "--disable-gpu",
+                                 "--user-data-dir=" + profile.path(), "--dump-dom",
+                                 QUrl::fromLocalFile(page).toString()});
+        QVERIFY(browser.waitForFinished(90000));
+        const QString dom = QString::fromUtf8(browser.readAllStandardOutput());
+        QVERIFY2(dom.contains("<title>Dorvik Software Velmora Generated Exportfile</title>"),
+                 qPrintable(dom.left(400)));
+        for (const char* text :
+             {"Homogénic", "Zero Tracks", "Café Tycoon", "Missing Tracks", "Nosferatu",
+              "<p>Audio</p>", "<p>PC</p>", "<p>Video</p>", "Björk", "Jóga<br>", "setup.exe<br>"})
+            QVERIFY2(dom.contains(text), qPrintable(text));
+        QVERIFY(dom.contains("x &lt; y &amp; \"z\""));
+
+        // A picture of the page for a person to look at, when asked for.
+        const QString screenshot = qEnvironmentVariable("VELMORA_EXPORT_SCREENSHOT");
+        if (!screenshot.isEmpty()) {
+            browser.start(chromium,
+                          {"--headless", "--no-sandbox", "--disable-gpu",
+                           "--user-data-dir=" + profile.path(), "--window-size=1000,1300",
+                           "--screenshot=" + screenshot, QUrl::fromLocalFile(page).toString()});
+            QVERIFY(browser.waitForFinished(90000));
+        }
     }
 
   private:

@@ -1,0 +1,390 @@
+// What the program asks of Windows, as this system gives it: profile (.ini) files, the registry
+// and the ODBC data sources under Wine, the Windows and temporary folders, and documents opened
+// by the desktop.
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include "support/testsupport.h"
+#include "toolkit/mHelp.h"
+#include "toolkit/mRegistry.h"
+#include "toolkit/mUtility.h"
+#include "toolkit/vbruntime.h"
+
+namespace {
+
+QString StorePath() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           "/velmora/registry.ini";
+}
+
+QString OdbcPath() {
+    return QDir::homePath() + "/.odbc.ini";
+}
+
+}  // namespace
+
+class WindowsTest : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir dir;
+    QList<QUrl> opened;
+    bool openerSucceeds = true;
+
+  private slots:
+    void init() {
+        QFile::remove(StorePath());
+        QFile::remove(OdbcPath());
+        opened.clear();
+        openerSucceeds = true;
+        SetDocumentOpener([this](const QUrl& url) {
+            opened << url;
+            return openerSucceeds;
+        });
+    }
+    void cleanup() { SetDocumentOpener({}); }
+
+    void readsLikeTheWindowsProfileFunctions() {
+        const QString path = dir.filePath("cdplayer.ini");
+        WriteBytes(path,
+                   "; written by hand\r\n[CDDB]\r\nversion=1\r\n\r\n[ 4A0B3C12 ]\r\n"
+                   "EntryType=1\r\n  Artist =  The Band  \r\ntitle=\"  Quoted  \"\r\n"
+                   "0='single'\r\n1=\"unbalanced\r\nbare\r\nnumtracks=\r\n"
+                   "[4a0b3c12]\r\nartist=second section\r\n");
+        QCOMPARE(ReadIniString(path, "4a0b3c12", "ARTIST", "x"), QString("The Band"));
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "title", "x"), QString("  Quoted  "));
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "0", "x"), QString("single"));
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "1", "x"), QString("\"unbalanced"));
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "bare", "x"), QString());
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "numtracks", "no"), QString());
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "order", "no"), QString("no"));
+        QCOMPARE(ReadIniString(path, "4A0B3C12", "version", "no"), QString("no"));
+        QCOMPARE(ReadIniString(path, "FFFFFFFF", "title", "Track 1  "), QString("Track 1"));
+        QCOMPARE(ReadIniString(dir.filePath("absent.ini"), "CDDB", "version", "d"), QString("d"));
+
+        // LF line ends and 8-bit text from Windows read as well.
+        WriteBytes(path, "[Disc]\ntitle=Caf\xe9\n");
+        QCOMPARE(ReadIniString(path, "Disc", "title", ""), QString("Caf\u00e9"));
+    }
+
+    void valuesAreCutAt255Characters() {
+        const QString path = dir.filePath("long.ini");
+        const QString value = QString(250, 'a') + QString(50, 'b');
+        WriteBytes(path, "[S]\nkey=" + value.toLatin1() + "\n");
+        QCOMPARE(ReadIniString(path, "S", "key", ""), value.left(255));
+        QCOMPARE(ReadIniString(path, "S", "missing", value), value.left(255));
+    }
+
+    void writingKeepsTheRestOfTheFile() {
+        const QString path = dir.filePath("write.ini");
+        WriteBytes(path,
+                   "; keep me\r\n[1A]\r\nTitle=Old\r\nnumtracks=1\r\n\r\n[2B]\r\ntitle=Other\r\n");
+        QString value = "New";
+        QVERIFY(WriteIniString(path, "1a", "TITLE", value));
+        value = "0 1";
+        QVERIFY(WriteIniString(path, "1A", "order", value));
+        value = "Fresh";
+        QVERIFY(WriteIniString(path, "3C", "title", value));
+        QCOMPARE(ReadBytes(path),
+                 QByteArray("; keep me\r\n[1A]\r\nTitle=New\r\nnumtracks=1\r\norder=0 1\r\n\r\n"
+                            "[2B]\r\ntitle=Other\r\n\r\n[3C]\r\ntitle=Fresh\r\n"));
+        QCOMPARE(ReadIniString(path, "1A", "title", ""), QString("New"));
+        QCOMPARE(ReadIniString(path, "2B", "title", ""), QString("Other"));
+
+        const QString lfFile = dir.filePath("lfFile.ini");
+        WriteBytes(lfFile, "[A]\nkey=1\n");
+        value = "Caf\u00e9";
+        QVERIFY(WriteIniString(lfFile, "A", "name", value));
+        QCOMPARE(ReadBytes(lfFile), QByteArray("[A]\nkey=1\nname=Caf\xe9\n"));
+
+        const QString windows = dir.filePath("ansi.ini");
+        WriteBytes(windows, "[A]\r\nname=Caf\xe9\r\n");
+        value = "\u00c9t\u00e9";
+        QVERIFY(WriteIniString(windows, "A", "other", value));
+        QCOMPARE(ReadBytes(windows), QByteArray("[A]\r\nname=Caf\xe9\r\nother=\xc9t\xe9\r\n"));
+
+        const QString created = dir.filePath("new.ini");
+        value = "1";
+        QVERIFY(WriteIniString(created, "CDDB", "version", value));
+        QCOMPARE(ReadBytes(created), QByteArray("[CDDB]\r\nversion=1\r\n"));
+
+        value = "lost";
+        QVERIFY(!WriteIniString(dir.filePath("no/such/folder.ini"), "A", "key", value));
+    }
+
+    void lineBreaksBecomeBlanksInTheCallersValueOnly() {
+        const QString path = dir.filePath("breaks.ini");
+        QString value = "Side A\r\nSide B\n";
+        QVERIFY(WriteIniString(path, "Disc", "title", value));
+        QCOMPARE(value, QString("Side A  Side B "));
+        QCOMPARE(ReadBytes(path), QByteArray("[Disc]\r\ntitle=Side A\r\nSide B\n\r\n"));
+        QCOMPARE(ReadIniString(path, "Disc", "title", ""), QString("Side A"));
+    }
+
+    void encodingsAreReadAndKept() {
+        // Windows-1252 has its own characters at 0x80 to 0x9F.
+        const QString ansi = dir.filePath("cp1252.ini");
+        WriteBytes(ansi,
+                   "[Disc]\r\ntitle=L\x92uomo \x80 stra\xdf"
+                   "e\r\n");
+        QCOMPARE(ReadIniString(ansi, "Disc", "title", ""),
+                 QString("L\u2019uomo \u20ac stra\u00dfe"));
+        QString value = "Caf\u00e9 \u2019 \u4e2d";
+        QVERIFY(WriteIniString(ansi, "Disc", "artist", value));
+        QCOMPARE(ReadBytes(ansi), QByteArray("[Disc]\r\ntitle=L\x92uomo \x80 stra\xdf"
+                                             "e\r\nartist=Caf\xe9 \x92 ?\r\n"));
+
+        // UTF-8 stays UTF-8, with its byte-order mark when it had one.
+        const QString utf8 = dir.filePath("utf8.ini");
+        WriteBytes(utf8, "\xef\xbb\xbf[Disc]\ntitle=Bj\xc3\xb6rk\n");
+        QCOMPARE(ReadIniString(utf8, "disc", "TITLE", ""), QString("Bj\u00f6rk"));
+        value = "\u4e2d";
+        QVERIFY(WriteIniString(utf8, "Disc", "artist", value));
+        QCOMPARE(ReadBytes(utf8),
+                 QByteArray("\xef\xbb\xbf[Disc]\ntitle=Bj\xc3\xb6rk\nartist=\xe4\xb8\xad\n"));
+    }
+
+    void aWriteRunWritesEachFileOnceAtItsEnd() {
+        const QString path = dir.filePath("run.ini");
+        WriteBytes(path, "[Old]\r\nkey=1\r\n");
+        {
+            IniWriteRun run;
+            for (int section = 0; section < 200; ++section)
+                for (int key = 0; key < 10; ++key) {
+                    QString value = QString("value %1").arg(key);
+                    QVERIFY(WriteIniString(path, QString::number(section, 16), QString::number(key),
+                                           value));
+                }
+            // Reads in the run see the writes; the file does not yet.
+            QCOMPARE(ReadIniString(path, "c7", "9", ""), QString("value 9"));
+            QCOMPARE(ReadBytes(path), QByteArray("[Old]\r\nkey=1\r\n"));
+            QString broken = "first\r\nsecond=line";
+            QVERIFY(WriteIniString(path, "Old", "key", broken));
+            QCOMPARE(ReadIniString(path, "Old", "second", ""), QString("line"));
+            QVERIFY(run.Commit());
+        }
+        const QByteArray written = ReadBytes(path);
+        QVERIFY(
+            written.startsWith("[Old]\r\nkey=first\r\nsecond=line\r\n\r\n[0]\r\n0=value 0\r\n"));
+        QCOMPARE(written.count("\r\n9=value 9\r\n"), 200);
+        QCOMPARE(ReadIniString(path, "C7", "9", ""), QString("value 9"));
+
+        // A folder that is not there fails at the write; the run writes nothing there.
+        IniWriteRun run;
+        QString value = "x";
+        QVERIFY(!WriteIniString(dir.filePath("missing/run.ini"), "A", "b", value));
+        QVERIFY(run.Commit());
+    }
+
+    void readsSeeChangesMadeBehindTheirBack() {
+        const QString path = dir.filePath("changing.ini");
+        WriteBytes(path, "[A]\nkey=first\n");
+        QCOMPARE(ReadIniString(path, "A", "key", ""), QString("first"));
+        WriteBytes(path, "[A]\nkey=the second\n");
+        QCOMPARE(ReadIniString(path, "A", "key", ""), QString("the second"));
+        QFile::remove(path);
+        QCOMPARE(ReadIniString(path, "A", "key", "gone"), QString("gone"));
+    }
+
+    void rootKeyHandles() {
+        QCOMPARE(RootKeyHandle("HKEY_CLASSES_ROOT"), 0x80000000u);
+        QCOMPARE(RootKeyHandle("HKEY_CURRENT_USER"), 0x80000001u);
+        QCOMPARE(RootKeyHandle("HKEY_LOCAL_MACHINE"), 0x80000002u);
+        QCOMPARE(RootKeyHandle("HKEY_USERS"), 0x80000003u);
+        QCOMPARE(RootKeyHandle("HKEY_PERFORMANCE_DATA"), 0x80000004u);
+        QCOMPARE(RootKeyHandle("HKEY_CURRENT_CONFIG"), 0x80000005u);
+        QCOMPARE(RootKeyHandle("HKEY_DYN_DATA"), 0x80000006u);
+        QCOMPARE(RootKeyHandle("hkey_current_user"), 0u);
+        QCOMPARE(RootKeyHandle("HKEY_ELSEWHERE"), 0u);
+    }
+
+    void parseKeySplitsAndWarnsAboutBadPaths() {
+        ScriptedDialogs dialogs;
+        QString key = "HKEY_LOCAL_MACHINE\\Software\\Dorvik Software\\Velmora";
+        RegistryHandle root = 0;
+        ParseKey(key, root);
+        QCOMPARE(key, QString("Software\\Dorvik Software\\Velmora"));
+        QCOMPARE(root, HKEY_LOCAL_MACHINE);
+        key = "HKEY_USERS";
+        ParseKey(key, root);
+        QCOMPARE(key, QString());
+        QCOMPARE(root, HKEY_USERS);
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+
+        key = "HKEY_CURRENT_USER\\Software\\";
+        ParseKey(key, root);
+        QCOMPARE(key, QString("Software\\"));
+        QCOMPARE(root, HKEY_CURRENT_USER);
+        key = "Software\\Dorvik";
+        ParseKey(key, root);
+        QCOMPARE(root, 0u);
+        QCOMPARE(dialogs.prompts(),
+                 QStringList({"Incorrect Format:\n\nHKEY_CURRENT_USER\\Software\\",
+                              "Incorrect Format:\n\nSoftware\\Dorvik"}));
+        QCOMPARE(dialogs.msgBoxes[0].flags, 0);
+    }
+
+    void valuesGoThroughTheBuffer() {
+        ScriptedDialogs dialogs;
+        const QString path = "HKEY_LOCAL_MACHINE\\Software\\Dorvik Software\\Velmora";
+        RegistryHandle handle = 0;
+        CreateRegistryKey(handle, path);
+        QCOMPARE(LastRegistryResult(), 0L);
+        QVERIFY(handle != 0);
+        RegistryHandle again = 0;
+        CreateRegistryKey(again, "HKEY_LOCAL_MACHINE\\SOFTWARE\\Dorvik Software\\Velmora");
+        QCOMPARE(again, handle);
+
+        SetRegistryValue(handle, "AppPath", "/opt/velmora", REG_SZ);
+        SetRegistryValue(handle, "Empty", "", REG_SZ);
+        SetRegistryValue(handle, "Padded", "  two blanks before, one after ", REG_SZ);
+        SetRegistryValue(handle, "Long", QString(300, 'x'), REG_SZ);
+        SetRegistryValue(handle, "Longest", QString(254, 'x'), REG_SZ);
+        SetRegistryValue(handle, "TooLong", QString(255, 'x'), REG_SZ);
+        QCOMPARE(LastRegistryResult(), 0L);
+
+        QCOMPARE(GetRegistryValue(path, "AppPath"), QString("/opt/velmora"));
+        QCOMPARE(GetRegistryValue(path, "apppath"), QString("/opt/velmora"));
+        QCOMPARE(GetRegistryValue(path, "Empty"), QString());
+        QCOMPARE(GetRegistryValue(path, "Padded"), QString("two blanks before, one after "));
+        // The value and its terminator must fit the 255 places of the buffer, or Windows
+        // refuses to read it (more data than the buffer holds).
+        QCOMPARE(GetRegistryValue(path, "Longest"), QString(254, 'x'));
+        QCOMPARE(GetRegistryValue(path, "TooLong"), QString("Error"));
+        QCOMPARE(LastRegistryResult(), 234L);
+        QCOMPARE(GetRegistryValue(path, "Long"), QString("Error"));
+
+        QCOMPARE(GetRegistryValue(path, "Missing"), QString("Error"));
+        QCOMPARE(LastRegistryResult(), 2L);
+        QCOMPARE(GetRegistryValue(path + "\\Deeper", "AppPath"), QString("Error"));
+        QCOMPARE(GetRegistryValue("HKEY_NOWHERE\\Software", "AppPath"), QString("Error"));
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+
+        QFile store(StorePath());
+        QVERIFY(store.open(QIODevice::ReadOnly));
+        QVERIFY(
+            store.readAll().contains("[HKEY_LOCAL_MACHINE\\Software\\Dorvik Software\\Velmora]"));
+    }
+
+    void trailingBackslashWarnsAndCarriesOn() {
+        ScriptedDialogs dialogs;
+        RegistryHandle handle = 0;
+        CreateRegistryKey(handle, "HKEY_CURRENT_USER\\Software\\Dorvik");
+        SetRegistryValue(handle, "Name", "value", REG_SZ);
+        QCOMPARE(GetRegistryValue("HKEY_CURRENT_USER\\Software\\Dorvik\\", "Name"),
+                 QString("value"));
+        QCOMPARE(dialogs.prompts(),
+                 QStringList{"Incorrect Format:\n\nHKEY_CURRENT_USER\\Software\\Dorvik\\"});
+    }
+
+    void odbcSourcesComeFromTheUsersOdbcIni() {
+        WriteBytes(
+            OdbcPath(),
+            "[ODBC Data Sources]\nDeluxeCD = Microsoft Access Driver\n\n[DeluxeCD]\n"
+            "Driver      = MDBTools\nDBQ         = deluxecd.mdb\nDefaultDir  = /home/me/cd\n");
+        const QString key = "HKEY_CURRENT_USER\\Software\\ODBC\\ODBC.INI\\DeluxeCD";
+        QCOMPARE(GetRegistryValue(key, "DBQ"), QString("deluxecd.mdb"));
+        QCOMPARE(GetRegistryValue(key, "DefaultDir"), QString("/home/me/cd"));
+        QCOMPARE(GetRegistryValue("HKEY_CURRENT_USER\\Software\\ODBC\\ODBC.INI\\Other", "DBQ"),
+                 QString("Error"));
+        QCOMPARE(GetRegistryValue("HKEY_LOCAL_MACHINE\\Software\\ODBC\\ODBC.INI\\DeluxeCD", "DBQ"),
+                 QString("Error"));
+        QVERIFY(!QFile::exists(StorePath()));
+    }
+
+    void withoutAnOdbcSectionTheWinePrefixRegistryAnswers() {
+        QTemporaryDir prefix;
+        qputenv("WINEPREFIX", prefix.path().toLocal8Bit());
+        WriteBytes(prefix.filePath("user.reg"),
+                   "WINE REGISTRY Version 2\n;; All keys relative to \\\\User\\\\S-1-5-21\n\n"
+                   "[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1700000000\n#time=1d9\n"
+                   "\"DBQ\"=\"Deluxe\\\\deluxecd.mdb\"\n"
+                   "\"DefaultDir\"=\"C:\\\\Program Files\\\\Plus! \\\"CD\\\" Caf\\x00e9\"\n"
+                   "\"Flags\"=dword:00000001\n\n[Software\\\\Other]\n\"DBQ\"=\"no\"\n");
+        const QString key = "HKEY_CURRENT_USER\\Software\\ODBC\\ODBC.INI\\deluxecd";
+        QCOMPARE(GetRegistryValue(key, "dbq"), QString("Deluxe\\deluxecd.mdb"));
+        QCOMPARE(GetRegistryValue(key, "DefaultDir"),
+                 QString("C:\\Program Files\\Plus! \"CD\" Caf\u00e9"));
+        QCOMPARE(GetRegistryValue(key, "Flags"), QString("Error"));
+        // The user's own data source comes first.
+        WriteBytes(OdbcPath(), "[DeluxeCD]\nDBQ = own.mdb\n");
+        QCOMPARE(GetRegistryValue(key, "DBQ"), QString("own.mdb"));
+        QCOMPARE(GetRegistryValue(key, "DefaultDir"), QString("Error"));
+        qunsetenv("WINEPREFIX");
+    }
+
+    void failuresAndMessageTexts() {
+        SetRegistryValue(4711, "Name", "value", REG_SZ);
+        QCOMPARE(LastRegistryResult(), 6L);
+        SetRegistryValue(HKEY_CURRENT_USER, "Name", "value", 4);
+        QCOMPARE(RegistryErrorText(LastRegistryResult()), QString("Invalid Parameter"));
+        QCOMPARE(RegistryErrorText(1009), QString("The Registry Database is corrupt!"));
+        QCOMPARE(RegistryErrorText(234),
+                 QString("There is more data than the buffer has been allocated to hold."));
+        QCOMPARE(RegistryErrorText(6), QString("Undefined Error Code:  6"));
+    }
+
+    void windowsFoldersComeFromTheWinePrefix() {
+        qputenv("WINEPREFIX", "/srv/wine/cd/");
+        QCOMPARE(GetWindowsDirectory(), QString("/srv/wine/cd/drive_c/windows"));
+        QCOMPARE(GetWindowsTempFolder(), QString("/srv/wine/cd/drive_c/windows/TEMP"));
+        qunsetenv("WINEPREFIX");
+        QCOMPARE(GetWindowsDirectory(), QDir::homePath() + "/.wine/drive_c/windows");
+        QVERIFY(!QFileInfo::exists(GetWindowsTempFolder()));
+    }
+
+    void windowsPathsAreFoundInThePrefixWithoutRegardToCase() {
+        QTemporaryDir prefix;
+        qputenv("WINEPREFIX", prefix.path().toLocal8Bit());
+        QVERIFY(QDir().mkpath(prefix.filePath("drive_c/Program Files/Plus!/Deluxe CD")));
+        QCOMPARE(WindowsPathInPrefix("c:\\program files\\PLUS!\\deluxe cd\\new.mdb"),
+                 prefix.path() + "/drive_c/Program Files/Plus!/Deluxe CD/new.mdb");
+        QVERIFY(QDir().mkpath(prefix.filePath("dosdevices")));
+        QVERIFY(QFile::link("../drive_c", prefix.filePath("dosdevices/c:")));
+        QCOMPARE(WindowsPathInPrefix("C:/Program Files\\"),
+                 prefix.path() + "/dosdevices/c:/Program Files");
+        QCOMPARE(WindowsPathInPrefix("D:\\cd.mdb"), prefix.path() + "/dosdevices/d:/cd.mdb");
+        QCOMPARE(WindowsPathInPrefix("/home/me/cd.mdb"), QString("/home/me/cd.mdb"));
+        qunsetenv("WINEPREFIX");
+    }
+
+    void temporaryFilesAreNewAndNamedAfterTheProgram() {
+        QCOMPARE(GetTempFolder(), QDir::tempPath() + "/");
+        const QString first = GetTempName();
+        const QString second = GetTempName();
+        QVERIFY(first != second);
+        for (const QString& name : {first, second}) {
+            const QFileInfo file(name);
+            QVERIFY(file.exists());
+            QCOMPARE(file.size(), 0);
+            QCOMPARE(file.absolutePath() + "/", GetTempFolder());
+            QVERIFY(file.fileName().startsWith(App.EXEName));
+            QFile::remove(name);
+        }
+    }
+
+    void documentsAndHelpGoToTheDesktop() {
+        const QString manual = dir.filePath("velmora.html");
+        WriteBytes(manual, {});
+
+        QCOMPARE(StartDocument("http://www.dorviksoftware.example/velmora"), int(kStartDone));
+        QCOMPARE(StartDocument("mailto:support@dorviksoftware.example"), int(kStartDone));
+        QCOMPARE(StartDocument(QString(manual).replace('/', '\\')), int(kStartDone));
+        QCOMPARE(StartDocument(dir.filePath("missing.html")), int(kStartFileNotFound));
+        QVERIFY(ShowHelpContents(manual) != 0);
+        QCOMPARE(ShowHelpContents(dir.filePath("missing.html")), 0);
+        QCOMPARE(opened, QList<QUrl>({QUrl("http://www.dorviksoftware.example/velmora"),
+                                      QUrl("mailto:support@dorviksoftware.example"),
+                                      QUrl::fromLocalFile(manual), QUrl::fromLocalFile(manual)}));
+
+        openerSucceeds = false;
+        QCOMPARE(StartDocument(manual), int(kStartNoAssociation));
+        QCOMPARE(ShowHelpContents(manual), 0);
+    }
+};
+
+VELMORA_TEST_MAIN(WindowsTest)
+#include "windows_test.moc"
