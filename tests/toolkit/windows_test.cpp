@@ -1,17 +1,24 @@
-// What the program asks of Windows, as this system gives it: profile (.ini) files, the registry
-// and the ODBC data sources under Wine, the Windows and temporary folders, and documents opened
-// by the desktop.
+// What the program asks of Windows and of the Visual Basic runtime, as this system gives it:
+// profile (.ini) files, the registry and the ODBC data sources under Wine, the Windows and
+// temporary folders, documents opened by the desktop, the common file dialogs, and the runtime's
+// formats and conversions.
 
 #include <QDir>
 #include <QFile>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <cmath>
+#include <limits>
 
 #include "support/testsupport.h"
+#include "toolkit/cCommonDialog.h"
 #include "toolkit/mHelp.h"
 #include "toolkit/mRegistry.h"
 #include "toolkit/mUtility.h"
+#include "toolkit/msgbox.h"
+#include "toolkit/vberror.h"
 #include "toolkit/vbruntime.h"
 
 namespace {
@@ -23,6 +30,18 @@ QString StorePath() {
 
 QString OdbcPath() {
     return QDir::homePath() + "/.odbc.ini";
+}
+
+// A dialog to choose a TAB file, as the import asks for one.
+cCommonDialog TabFileDialog() {
+    cCommonDialog dialog;
+    dialog.DialogTitle = "Select a file";
+    dialog.DefaultExt = "txt";
+    dialog.flags = 6148;
+    dialog.InitDir = "C:\\Program Files\\Velmora";
+    dialog.Filter = "textfiles (*.txt)|*.txt|all files (*.*)|*.*";
+    dialog.FilterIndex = 1;
+    return dialog;
 }
 
 }  // namespace
@@ -383,6 +402,214 @@ class WindowsTest : public QObject {
         openerSucceeds = false;
         QCOMPARE(StartDocument(manual), int(kStartNoAssociation));
         QCOMPARE(ShowHelpContents(manual), 0);
+    }
+
+    void theChooserIsAskedWhatTheObjectHolds() {
+        ScriptedDialogs dialogs;
+        cCommonDialog open = TabFileDialog();
+        dialogs.answerFile(dir.filePath("titles"));
+        QVERIFY(open.ShowOpen());
+        QCOMPARE(dialogs.fileDialogs.size(), 1);
+        const FileDialogCall& asked = dialogs.fileDialogs.first();
+        QVERIFY(!asked.save);
+        QCOMPARE(asked.title, QString("Select a file"));
+        QCOMPARE(asked.filter, QString("textfiles (*.txt)|*.txt|all files (*.*)|*.*"));
+        QCOMPARE(asked.filterIndex, 1);
+        QCOMPARE(asked.initDir, QString("C:/Program Files/Velmora"));
+        QCOMPARE(asked.defaultExt, QString("txt"));
+        QVERIFY(asked.flags & cdlOFNFileMustExist);
+        QVERIFY(asked.flags & cdlOFNHideReadOnly);
+        // A name without an extension gets the default one; a name with one keeps it.
+        QCOMPARE(open.Filename, dir.filePath("titles.txt"));
+        QCOMPARE(open.FileTitle, QString("titles.txt"));
+        dialogs.answerFile(dir.filePath("titles.csv"));
+        QVERIFY(open.ShowOpen());
+        QCOMPARE(open.Filename, dir.filePath("titles.csv"));
+        QCOMPARE(dialogs.fileDialogs.last().filename, dir.filePath("titles.txt"));
+
+        cCommonDialog save = TabFileDialog();
+        save.flags = 0x9806;
+        dialogs.answerFile(dir.filePath("out.html"));
+        QVERIFY(save.ShowSave());
+        QVERIFY(dialogs.fileDialogs.last().save);
+        QVERIFY(dialogs.fileDialogs.last().flags & cdlOFNOverwritePrompt);
+        QCOMPARE(save.Filename, dir.filePath("out.html"));
+    }
+
+    void aCancelEmptiesTheNameOrRaises() {
+        ScriptedDialogs dialogs;
+        cCommonDialog open = TabFileDialog();
+        open.Filename = "suggested.txt";
+        QVERIFY(!open.ShowOpen());
+        QVERIFY(open.Filename.isEmpty());
+        QCOMPARE(GCommonDialog::APIReturn, 0L);
+        QCOMPARE(GCommonDialog::ExtendedError, 0L);
+
+        open.CancelError = true;
+        try {
+            open.ShowSave();
+            QFAIL("a cancel with CancelError set must raise");
+        } catch (const VbError& error) {
+            QCOMPARE(error.Number, cdlCancel);
+            QCOMPARE(error.Description, QString("User selected cancel."));
+            QCOMPARE(error.Source, QString(".cCommonDialog"));
+        }
+    }
+
+    void filtersAndMultipleSelections() {
+        QCOMPARE(
+            GCommonDialog::NameFilters("Internetfiles (*.html,*.htm)|*.html;*.htm|"
+                                       "All Files (*.*)|*.*|dangling"),
+            QStringList({"Internetfiles (*.html,*.htm) (*.html *.htm)", "All Files (*.*) (*)"}));
+
+        ScriptedDialogs dialogs;
+        SetFileChooser([&](const FileDialogCall&) {
+            FileDialogAnswer answer;
+            answer.filenames = {dir.filePath("a.txt"), dir.filePath("b.txt")};
+            answer.filename = answer.filenames.first();
+            answer.filterIndex = 2;
+            return answer;
+        });
+        cCommonDialog open = TabFileDialog();
+        open.flags |= cdlOFNAllowMultiselect;
+        QVERIFY(open.ShowOpen());
+        QCOMPARE(open.FilterIndex, 2);
+        QString folder;
+        QStringList names;
+        open.ParseMultiFileName(folder, names);
+        QCOMPARE(folder, dir.path());
+        QCOMPARE(names, QStringList({"a.txt", "b.txt"}));
+        open.Filename = "/home/user/one.txt";
+        open.ParseMultiFileName(folder, names);
+        QCOMPARE(folder, QString("/home/user"));
+        QCOMPARE(names, QStringList({"one.txt"}));
+    }
+
+    void withoutAChooserTheFileDialogShows() {
+        SetFileChooser({});
+        cCommonDialog open = TabFileDialog();
+        open.InitDir = dir.path();
+        QString title, folder;
+        QStringList filters;
+        QFileDialog::FileMode mode = QFileDialog::AnyFile;
+        testsupport::RejectNextModal([&](QWidget* shown) {
+            auto* fileDialog = qobject_cast<QFileDialog*>(shown);
+            if (!fileDialog) return;
+            title = fileDialog->windowTitle();
+            filters = fileDialog->nameFilters();
+            folder = fileDialog->directory().absolutePath();
+            mode = fileDialog->fileMode();
+        });
+        QVERIFY(!open.ShowOpen());
+        QCOMPARE(title, QString("Select a file"));
+        QCOMPARE(filters, QStringList({"textfiles (*.txt) (*.txt)", "all files (*.*) (*)"}));
+        QCOMPARE(folder, QDir(dir.path()).absolutePath());
+        QCOMPARE(mode, QFileDialog::ExistingFile);
+        testsupport::InstallUnscriptedResponders();
+    }
+
+    // The program told to end unloads its windows while one of them still asks something: the
+    // dialog goes with its owner and answers as cancelled.
+    void theOwnerMayGoWhileItsDialogIsOpen() {
+        SetFileChooser({});
+        SetMsgBoxResponder({});
+        QTimer poll;
+        QPointer<QWidget> owner;
+        connect(&poll, &QTimer::timeout, [&] {
+            if (QApplication::activeModalWidget()) delete owner.data();
+        });
+        poll.start(10);
+
+        owner = new QWidget;
+        owner->show();
+        cCommonDialog open = TabFileDialog();
+        open.hWnd = owner;
+        QVERIFY(!open.ShowOpen());
+        QVERIFY(!owner);
+
+        owner = new QWidget;
+        owner->show();
+        QApplication::setActiveWindow(owner);
+        QCOMPARE(MsgBox("Really?", vbYesNoCancel + vbQuestion, "Owner goes"), int(vbCancel));
+        QVERIFY(!owner);
+        testsupport::InstallUnscriptedResponders();
+    }
+
+    void formatPatterns_data() {
+        QTest::addColumn<double>("value");
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QString>("expected");
+        const struct {
+            const char* name;
+            double value;
+            const char *pattern, *expected;
+        } rows[] = {
+            {"count padded", 5.0, "00000", "00005"},
+            {"count wider than pattern", 123456.0, "00000", "123456"},
+            {"negative count", -42.0, "00000", "-00042"},
+            {"count rounds half away", 12.5, "00000", "00013"},
+            {"size zero", 0.0, "###0", "0"},
+            {"size rounds up", 1234.5, "###0", "1235"},
+            {"negative size rounds away", -1234.5, "###0", "-1235"},
+            {"size below one", 0.4, "###0", "0"},
+            {"one decimal", 3.25, "###0.0", "3.3"},
+            {"one decimal zero", 0.0, "###0.0", "0.0"},
+            {"one decimal keeps zero", 1024.04, "###0.0", "1024.0"},
+            {"one decimal negative", -7.25, "###0.0", "-7.3"},
+            {"one decimal small", 0.05, "###0.0", "0.1"},
+            {"percent half", 0.5, "##0%", "50%"},
+            {"percent rounds", 0.125, "##0%", "13%"},
+            {"percent whole", 1.0, "##0%", "100%"},
+            {"percent zero", 0.0, "##0%", "0%"},
+            {"percent negative", -0.25, "##0%", "-25%"},
+            {"digit half up", 2.5, "0", "3"},
+            {"digit half away negative", -2.5, "0", "-3"},
+            {"digit zero", 0.0, "0", "0"},
+            {"two places", 7.0, "#0", "7"},
+            {"two places zero", 0.0, "#0", "0"},
+            {"two places rounds", 10.5, "#0", "11"},
+            {"two places negative", -0.6, "#0", "-1"},
+        };
+        for (const auto& row : rows)
+            QTest::newRow(row.name) << row.value << QString(row.pattern) << QString(row.expected);
+    }
+
+    void formatPatterns() {
+        QFETCH(double, value);
+        QFETCH(QString, pattern);
+        QFETCH(QString, expected);
+        QCOMPARE(Format(value, pattern), expected);
+    }
+
+    void conversionsRoundToEven() {
+        QCOMPARE(RoundToEven(2.5), 2);
+        QCOMPARE(RoundToEven(3.5), 4);
+        QCOMPARE(RoundToEven(-2.5), -2);
+        QCOMPARE(RoundToEven(0.5), 0);
+        QCOMPARE(RoundToEven(-1.5), -2);
+        QCOMPARE(RoundToEven(2.6), 3);
+        QCOMPARE(CInt(32767.4), 32767);
+        QCOMPARE(CInt(-32768.5), -32768);
+        QCOMPARE(CByte(254.5), 254);
+        QCOMPARE(CByte(-0.5), 0);
+    }
+
+    void conversionsOverflowWithError6() {
+        QCOMPARE(ErrorNumber([] { CInt(32767.5); }), 6);
+        QCOMPARE(ErrorNumber([] { CInt(-32769); }), 6);
+        QCOMPARE(ErrorNumber([] { CInt(1e30); }), 6);
+        QCOMPARE(ErrorNumber([] { CInt(std::numeric_limits<double>::quiet_NaN()); }), 6);
+        QCOMPARE(ErrorNumber([] { CByte(255.5); }), 6);
+        QCOMPARE(ErrorNumber([] { CByte(-0.6); }), 6);
+        QCOMPARE(ErrorNumber([] { CByte(-1e30); }), 6);
+        QCOMPARE(ErrorNumber([] { RoundToEven(1e19); }), 6);
+        QCOMPARE(Refusal([] { CInt(40000); }), QString("6 Overflow"));
+    }
+
+    void foldersGetOneTrailingSlash() {
+        QCOMPARE(AddBackslash("/opt/velmora"), QString("/opt/velmora/"));
+        QCOMPARE(AddBackslash("/opt/velmora/"), QString("/opt/velmora/"));
+        QCOMPARE(AddBackslash("C:\\Program Files\\Velmora"), QString("C:/Program Files/Velmora/"));
     }
 };
 
