@@ -365,7 +365,8 @@ class ControlsTest : public QObject {
         // A missing pane is refused; the divider keeps the panes it has.
         ScriptedDialogs dialogs;
         QVERIFY(!window.splitter.SetControls(&window.form, window.left, nullptr, window.divider));
-        QCOMPARE(dialogs.prompts(), QStringList("Pane must be a window (have a window handle)."));
+        QCOMPARE(dialogs.msgBoxes,
+                 Boxes({{"Pane must be a window (have a window handle).", vbOKOnly, "Velmora"}}));
         window.splitter.SetLeft(120);
         QCOMPARE(window.left->width(), 121);
     }

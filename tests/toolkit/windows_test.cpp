@@ -240,10 +240,9 @@ class WindowsTest : public QObject {
         key = "Software\\Dorvik";
         ParseKey(key, root);
         QCOMPARE(root, 0u);
-        QCOMPARE(dialogs.prompts(),
-                 QStringList({"Incorrect Format:\n\nHKEY_CURRENT_USER\\Software\\",
-                              "Incorrect Format:\n\nSoftware\\Dorvik"}));
-        QCOMPARE(dialogs.msgBoxes[0].flags, 0);
+        QCOMPARE(dialogs.msgBoxes,
+                 Boxes({{"Incorrect Format:\n\nHKEY_CURRENT_USER\\Software\\", vbOKOnly, "Velmora"},
+                        {"Incorrect Format:\n\nSoftware\\Dorvik", vbOKOnly, "Velmora"}}));
     }
 
     void valuesGoThroughTheBuffer() {
@@ -295,8 +294,9 @@ class WindowsTest : public QObject {
         SetRegistryValue(handle, "Name", "value", REG_SZ);
         QCOMPARE(GetRegistryValue("HKEY_CURRENT_USER\\Software\\Dorvik\\", "Name"),
                  QString("value"));
-        QCOMPARE(dialogs.prompts(),
-                 QStringList{"Incorrect Format:\n\nHKEY_CURRENT_USER\\Software\\Dorvik\\"});
+        QCOMPARE(dialogs.msgBoxes,
+                 Boxes({{"Incorrect Format:\n\nHKEY_CURRENT_USER\\Software\\Dorvik\\", vbOKOnly,
+                         "Velmora"}}));
     }
 
     void odbcSourcesComeFromTheUsersOdbcIni() {

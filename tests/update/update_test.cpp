@@ -165,7 +165,9 @@ class UpdateTest : public QObject {
         QCOMPARE(unloaded.count(), 1);
         QVERIFY(QFileInfo(tempFolder() + "/upd.sh").isExecutable());
         QVERIFY(QFile::exists(tempFolder() + "/VELMORA.INI"));
-        QCOMPARE(dialogs.prompts(), QStringList({"Update Velmora from version 2.4.0 to 2.9.0?"}));
+        QCOMPARE(dialogs.msgBoxes,
+                 Boxes({{"Update Velmora from version 2.4.0 to 2.9.0?", vbYesNoCancel + vbQuestion,
+                         "Proceed with Live-Update?"}}));
     }
 
     void resumedTransferAsksForTheLastGoodRangeAndEndsWhole() {
