@@ -6,10 +6,6 @@
 
 namespace {
 
-long Count(const QString& where) {
-    return Scalar("select count(*) from " + where).toLongLong();
-}
-
 const QString kIniSource = "Importing from Windows Default CD-player";
 
 // The window as the user leaves it: Rock and its first specific item as defaults.
@@ -73,8 +69,8 @@ class ImportTest : public QObject {
         QCOMPARE(dialogs.msgBoxes[0].flags, int(vbCritical));
 
         QCOMPARE(Scalar("select nmcd from title where TitleID = 1234").toString(), QString("It's"));
-        QCOMPARE(Count("vendor where nmvendor = 'O''Brien' and idplatform = 1"), 1L);
-        QCOMPARE(Count("Tracks, title where Tracks.idcd = title.idcd and nmcd = 'It''s'"), 2L);
+        QCOMPARE(RowCount("vendor where nmvendor = 'O''Brien' and idplatform = 1"), 1L);
+        QCOMPARE(RowCount("Tracks, title where Tracks.idcd = title.idcd and nmcd = 'It''s'"), 2L);
         QCOMPARE(Scalar("select listing from title where nmcd = 'Doom'").toString(),
                  QString("README\r\nDOOM.EXE"));
         QCOMPARE(Scalar("select label from title where nmcd = 'Doom'").toString(),
@@ -88,8 +84,8 @@ class ImportTest : public QObject {
                      .toString(),
                  QString("Caf\u00e9 \u2019"));
         // The half-written title went, and the store took its track rows with it.
-        QCOMPARE(Count("title where nmcd in ('Short', 'Thirteen', 'NaN', 'Same id')"), 0L);
-        QCOMPARE(Count("Tracks where idcd not in (select idcd from title)"), 0L);
+        QCOMPARE(RowCount("title where nmcd in ('Short', 'Thirteen', 'NaN', 'Same id')"), 0L);
+        QCOMPARE(RowCount("Tracks where idcd not in (select idcd from title)"), 0L);
         QVERIFY(!gDatabase->InTransaction());
     }
 
@@ -125,7 +121,7 @@ class ImportTest : public QObject {
         for (; !rs->IsEOF(); rs->MoveNext()) tracks << rs->Fields(0).Value().toString();
         QCOMPARE(tracks, QStringList({"Track 1", "Named", "Track 3"}));
         QCOMPARE(Scalar("select nmcd from title where TitleID = -1").toString(), QString("Minus"));
-        QCOMPARE(Count("vendor where nmvendor = 'Caf\u00e9 Band'"), 1L);
+        QCOMPARE(RowCount("vendor where nmvendor = 'Caf\u00e9 Band'"), 1L);
 
         // Again with overwriting: every title renewed, created kept, nothing refused but the
         // section without a count, which stops the import.
@@ -146,12 +142,12 @@ class ImportTest : public QObject {
         QByteArray many;
         for (int i = 0; i < 1001; ++i) many += "[" + QByteArray::number(i + 0x10000, 16) + "]\n";
         WriteBytes(ini, many);
-        const long before = Count("title");
+        const long before = RowCount("title");
         frmImport full;
         full.Form_Load();
         ChooseDefaults(full);
         full.ImportCdPlayerIni();
-        QCOMPARE(Count("title"), before);
+        QCOMPARE(RowCount("title"), before);
         QCOMPARE(dialogs.msgBoxes.last(),
                  MsgBoxCall({"The import from " + ini +
                                  " stopped.\r\nError 9: Subscript out of range: the file holds "
@@ -181,23 +177,23 @@ class ImportTest : public QObject {
         window.ImportDeluxeDatabase();
         QCOMPARE(window.DeluxeTried, 4);
         QCOMPARE(window.DeluxeDuplicates, 0);
-        QCOMPARE(Count("title where idplatform = 1 and TitleID in (1001, 1002, -5, 2147483647)"),
+        QCOMPARE(RowCount("title where idplatform = 1 and TitleID in (1001, 1002, -5, 2147483647)"),
                  4L);
-        QCOMPARE(Count("Tracks, title where Tracks.idcd = title.idcd and TitleID = 1001"), 3L);
+        QCOMPARE(RowCount("Tracks, title where Tracks.idcd = title.idcd and TitleID = 1001"), 3L);
         QCOMPARE(Scalar("select TrackName from Tracks, title where Tracks.idcd = title.idcd and "
                         "TitleID = 1002 and TrackID = 1")
                      .toString(),
                  QString("J\u00f3ga"));
 
         // A second run refuses every title and skips its track rows by NumTracks.
-        const long tracks = Count("Tracks");
+        const long tracks = RowCount("Tracks");
         frmImport again;
         again.Form_Load();
         ChooseDefaults(again);
         again.ImportDeluxeDatabase();
         QCOMPARE(again.DeluxeTried, 4);
         QCOMPARE(again.DeluxeDuplicates, 4);
-        QCOMPARE(Count("Tracks"), tracks);
+        QCOMPARE(RowCount("Tracks"), tracks);
 
         // A file that is no database gets its own box.
         WriteBytes(folder->file("broken.mdb"), "garbage");

@@ -11,10 +11,6 @@
 
 namespace {
 
-int Count(const QString& where) {
-    return Scalar("select count(*) from " + where).toInt();
-}
-
 QString TitleName(int idcd) {
     return Scalar("select nmcd from title where idcd = " + QString::number(idcd)).toString();
 }
@@ -308,11 +304,11 @@ class CommandsTest : public QObject {
             PressKey(form()->ListView1, form()->ListView1, Qt::Key_Delete);
             QCOMPARE(dialogs_->takeBoxes(), Boxes({confirm}));
             QCOMPARE(form()->ListItemCount(), answer == vbNo ? 2 : 1);
-            QCOMPARE(Count("title"), answer == vbNo ? 2 : 1);
+            QCOMPARE(RowCount("title"), answer == vbNo ? 2L : 1L);
         }
         QCOMPARE(form()->ListIndexOfKey("id1"), -1);
         QCOMPARE(gCurrentTitleId, 1L);
-        QCOMPARE(Count("title where idcd = 1") + Count("Tracks where idcd = 1"), 0);
+        QCOMPARE(RowCount("title where idcd = 1") + RowCount("Tracks where idcd = 1"), 0L);
         QCOMPARE(form()->PanelText(2), countBefore);
 
         // A catalogue that refuses the delete keeps the title and its row.
@@ -328,7 +324,7 @@ class CommandsTest : public QObject {
                     "Confirm CD delete"},
                    {"Error occured when trying to delete Quiet Fields", vbCritical, "Velmora"}}));
         QCOMPARE(form()->ListItemCount(), 1);
-        QCOMPARE(Count("title where idcd = 2"), 1);
+        QCOMPARE(RowCount("title where idcd = 2"), 1L);
     }
 
     void renameTitleCancelAndCutToTheColumn() {
@@ -370,7 +366,7 @@ class CommandsTest : public QObject {
                          "program.\r\nYou can however 'hide' this platform.",
                          vbInformation, "Unable to delete platform"}}));
         QCOMPARE(form()->NodeCount(), nodesBefore);
-        QCOMPARE(Count("platform where idplatform = 2"), 1);
+        QCOMPARE(RowCount("platform where idplatform = 2"), 1L);
     }
 
     void hidingTheSelectedPlatformRemovesItsNode() {
@@ -434,7 +430,7 @@ class CommandsTest : public QObject {
         PressKey(form()->TV1, form()->TV1, Qt::Key_Control);
         PressKey(form()->ListView1, form()->TV1, Qt::Key_Delete);
         QVERIFY(dialogs_->msgBoxes.isEmpty());
-        QCOMPARE(Count("title"), 2);
+        QCOMPARE(RowCount("title"), 2L);
 
         // A key-down in a box, let go over the tree or the list, is no command there.
         testsupport::PressKeyInAnotherWindow(Qt::Key_Delete);

@@ -20,10 +20,6 @@ QByteArray FileHead(const QString& path) {
     return ReadBytes(path, 15);
 }
 
-long TitleCount() {
-    return Scalar("select count(*) from title").toLongLong();
-}
-
 void AddTitle(int idcd, const QString& memo) {
     gDatabase->Execute(
         "insert into title (idcd, nmcd, idvendor, idplatform, idtype, idspecific, idmediatype, "
@@ -59,7 +55,7 @@ class CompactionTest : public QObject {
         QCOMPARE(ReadBytes(target), compacted);
 
         gDatabase = DBEngine::OpenDatabase(target, true, false, ";pwd=" + gDatabasePassword);
-        QCOMPARE(TitleCount(), 10L);
+        QCOMPARE(RowCount("title"), 10L);
         folder.closeCatalogue();
         QVERIFY_THROWS_EXCEPTION(VbError,
                                  DBEngine::OpenDatabase(target, true, false, ";pwd=another"));
@@ -74,7 +70,7 @@ class CompactionTest : public QObject {
         for (int run = 1; run <= 2; ++run) {
             StartProgram();
             QVERIFY(gMainForm);
-            QCOMPARE(TitleCount(), long(run - 1));
+            QCOMPARE(RowCount("title"), long(run - 1));
             AddTitle(run, "kept");
             EndProgram();
 
@@ -104,7 +100,7 @@ class CompactionTest : public QObject {
         StartProgram();
         QVERIFY(gMainForm);
         QVERIFY(gDatabase);
-        QCOMPARE(TitleCount(), 1L);
+        QCOMPARE(RowCount("title"), 1L);
         EndProgram();
         QVERIFY(dialogs.msgBoxes.isEmpty());
 
@@ -155,7 +151,7 @@ class CompactionTest : public QObject {
         QVERIFY(gDatabase && gRecordset);
         QCOMPARE(gRecordset->Filter(), QString("idcd > 1"));
         QCOMPARE(gRecordset->SQL(), gViewSQL);
-        QCOMPARE(TitleCount(), 2L);
+        QCOMPARE(RowCount("title"), 2L);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
@@ -209,7 +205,7 @@ class CompactionTest : public QObject {
         QVERIFY(!QFile::exists(folder.file("data.compacted")));
         QVERIFY(!QFile::exists(synced.filePath("data.compacted")));
         QVERIFY(StartProgram());
-        QCOMPARE(TitleCount(), 1L);
+        QCOMPARE(RowCount("title"), 1L);
         EndProgram();
         QVERIFY(QFileInfo(folder.file("data.gdb")).isSymLink());
     }
@@ -252,7 +248,7 @@ class CompactionTest : public QObject {
         }
         QVERIFY(gDatabase && gRecordset);
         QCOMPARE(gRecordset->Filter(), QString("idcd > 0"));
-        QCOMPARE(TitleCount(), 1L);
+        QCOMPARE(RowCount("title"), 1L);
     }
 };
 

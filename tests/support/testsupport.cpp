@@ -99,6 +99,10 @@ QVariant Scalar(const QString& sql) {
     return records->IsEOF() ? QVariant() : records->Fields(0).Value();
 }
 
+long RowCount(const QString& from) {
+    return Scalar("select count(*) from " + from).toLongLong();
+}
+
 frmMain* StartProgram() {
     // Every start in a test is a new run: nothing of an earlier run's title or password is left.
     App.Title = AppObject{}.Title;

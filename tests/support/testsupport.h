@@ -78,6 +78,8 @@ class QTreeWidgetItem;
 frmMain* StartProgram();
 // The first column of the first row the open catalogue gives for sql; invalid when none.
 QVariant Scalar(const QString& sql);
+// The open catalogue's count of rows from a table or join and its condition ("title where ...").
+long RowCount(const QString& from);
 // The first length bytes of a file, all of it when length is negative; empty when unreadable.
 QByteArray ReadBytes(const QString& path, qint64 length = -1);
 // Replaces the file's content with bytes.
