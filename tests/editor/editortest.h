@@ -62,6 +62,15 @@ inline void ChooseText(QComboBox* combo, const QString& text) {
     combo->setCurrentIndex(row);
 }
 
+// Chooses the platform, type and specific item, and the vendor when one is given.
+inline void ChooseTitleKind(frmEdit* form, const QString& platform, const QString& type,
+                            const QString& specific, const QString& vendor = QString()) {
+    ChooseText(form->Combo1[0], platform);
+    if (!vendor.isEmpty()) ChooseText(form->Combo1[1], vendor);
+    ChooseText(form->Combo1[2], type);
+    ChooseText(form->Combo1[3], specific);
+}
+
 inline QStringList Texts(const QComboBox* combo) {
     QStringList texts;
     for (int row = 0; row < combo->count(); ++row) texts << combo->itemText(row);
@@ -89,6 +98,25 @@ inline void TypeTracks(frmEdit* form, const QStringList& lines) {
         QTest::mouseClick(dialog->cmdOK, Qt::LeftButton);
     });
     QTest::mouseClick(form->cmdTracks, Qt::LeftButton);
+}
+
+// Opens the tracks editor and leaves it by button at once; gives its caption and text, as
+// "caption|text".
+inline QString ShownInTracksEditor(
+    frmEdit* form, QPushButton* frmTracksListing::*button = &frmTracksListing::cmdOK) {
+    QString shown;
+    OnNextModal([&shown, button](frmTracksListing* dialog) {
+        shown = dialog->windowTitle() + "|" + dialog->Text();
+        QTest::mouseClick(dialog->*button, Qt::LeftButton);
+    });
+    QTest::mouseClick(form->cmdTracks, Qt::LeftButton);
+    return shown;
+}
+
+// Saves by the OK button and lets a closed editor go.
+inline void ClickOK(frmEdit* form) {
+    QTest::mouseClick(form->cmdOK, Qt::LeftButton);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 inline long TitleCount() {

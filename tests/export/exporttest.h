@@ -3,21 +3,12 @@
 // A small catalogue for the export tests: audio titles with and without tracks, a PC title
 // with a listing, a video title; accented names and values with HTML and TAB characters.
 
-#include <QFile>
 #include <QStringList>
-#include <functional>
 
 #include "store/catalogue.h"
 #include "support/testsupport.h"
-#include "toolkit/GCommonDialog.h"
 
 namespace exporttest {
-
-inline const QString kAllTitles =
-    "Select * from title,vendor,platform,type,specific,mediatype where title.idvendor = "
-    "vendor.idvendor and title.idplatform = platform.idplatform and title.idtype = type.idtype "
-    "and title.idspecific = specific.idspecific and title.idmediatype = mediatype.idmediatype "
-    "order by platform.nmplatform, title.nmcd";
 
 // Vendor 8 "Björk" on the audio platform; titles 1 to 5 (see the comments below).
 inline void AddTitles() {
@@ -47,28 +38,5 @@ inline void AddTitles() {
     for (const QString& track : tracks)
         gDatabase->Execute("insert into Tracks (idcd, TrackID, TrackName) values (" + track + ")");
 }
-
-inline QByteArray ReadBytes(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-// Answers every file chooser with the next name of the queue (empty: cancelled) and records
-// what was asked.
-class ScriptedChooser {
-  public:
-    ScriptedChooser() {
-        SetFileChooser([this](const FileDialogCall& call) {
-            calls << call;
-            FileDialogAnswer answer;
-            if (!answers.isEmpty()) answer.filename = answers.takeFirst();
-            return answer;
-        });
-    }
-    ~ScriptedChooser() { SetFileChooser({}); }
-
-    QStringList answers;
-    QList<FileDialogCall> calls;
-};
 
 }  // namespace exporttest

@@ -18,13 +18,6 @@ using namespace exporttest;
 
 namespace {
 
-void SelectNode(const QString& key) {
-    QTreeWidgetItem* node = NodeWithKey(key);
-    QVERIFY2(node, qPrintable(key));
-    gMainForm->TV1->setCurrentItem(node);
-    gMainForm->TV1_NodeClick(node);
-}
-
 QString ViewSQL(const QString& kind, int first, int second, const QString& clause) {
     std::unique_ptr<Recordset> unused;
     return GetViewSQL(kind, false, unused, first, second, clause);
@@ -99,9 +92,7 @@ class ExportWindowTest : public QObject {
     void playerFilesAndSearchEnableTheirChoices() {
         const QString windows = folder_->path() + "/wine/drive_c/windows";
         QDir().mkpath(windows);
-        QFile ini(windows + "/cdplayer.ini");
-        QVERIFY(ini.open(QIODevice::WriteOnly));
-        ini.close();
+        WriteBytes(windows + "/cdplayer.ini", {});
         qputenv("WINEPREFIX", (folder_->path() + "/wine").toUtf8());
         gSearchSQL = ViewSQL("all", 0, 0, QString());
         frmExport form(gMainForm);
@@ -113,14 +104,10 @@ class ExportWindowTest : public QObject {
         // The Deluxe player's data source names its database by a Windows path.
         const QString plus = folder_->path() + "/wine/drive_c/Program Files/Plus!";
         QDir().mkpath(plus);
-        QVERIFY(QFile::copy(QStringLiteral(VELMORA_FIXTURES_DIR "/deluxe/cd_pk.mdb"),
-                            plus + "/DeluxeCD.mdb"));
-        QFile registry(folder_->path() + "/wine/user.reg");
-        QVERIFY(registry.open(QIODevice::WriteOnly));
-        registry.write(
-            "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
-            "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
-        registry.close();
+        QVERIFY(QFile::copy(FixturePath("deluxe/cd_pk.mdb"), plus + "/DeluxeCD.mdb"));
+        WriteBytes(folder_->path() + "/wine/user.reg",
+                   "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
+                   "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
         frmExport withDeluxe(gMainForm);
         withDeluxe.Form_Load();
         QCOMPARE(withDeluxe.DeluxePath, plus + "/DeluxeCD.mdb");
@@ -144,17 +131,17 @@ class ExportWindowTest : public QObject {
             {"key3", 2, ViewSQL("all", 0, 0, ""), 5},
         };
         for (const Case& c : cases) {
-            SelectNode(c.key);
+            ClickTreeNode(c.key);
             frmExport form(gMainForm);
             form.Form_Load();
             form.Check1[0]->setChecked(false);
             form.Check1[2]->setChecked(true);
             form.Option1[c.option]->setChecked(true);
-            ScriptedChooser chooser;
+            dialogs.fileDialogs.clear();
             form.cmdOK_Click();
             QVERIFY2(form.ExportRecordset, qPrintable(c.key));
             QCOMPARE(form.ExportRecordset->SQL(), c.sql);
-            QCOMPARE(chooser.calls.size(), 1);
+            QCOMPARE(dialogs.fileDialogs.size(), 1);
             form.ExportRecordset->MoveLast();
             QCOMPARE(int(form.ExportRecordset->RecordCount()), c.titles);
             QCOMPARE(form.result(), int(QDialog::Accepted));
@@ -162,7 +149,7 @@ class ExportWindowTest : public QObject {
         QVERIFY(dialogs.msgBoxes.isEmpty());
 
         // The root with "Current platform" asks; only Yes exports everything.
-        SelectNode("root");
+        ClickTreeNode("root");
         for (int answer : {int(vbNo), int(vbYes)}) {
             frmExport form(gMainForm);
             form.Form_Load();
@@ -170,14 +157,13 @@ class ExportWindowTest : public QObject {
             form.Check1[2]->setChecked(true);
             form.Option1[1]->setChecked(true);
             dialogs.answerMsgBox(answer);
-            ScriptedChooser chooser;
+            dialogs.fileDialogs.clear();
             form.cmdOK_Click();
-            QCOMPARE(dialogs.msgBoxes.last().prompt,
-                     QString("You selected to export one category, but you have more than one in "
-                             "your view.\rDo you want to export all categories instead?"));
-            QCOMPARE(dialogs.msgBoxes.last().title, QString("Confirm"));
-            QCOMPARE(dialogs.msgBoxes.last().flags, 51);
-            QCOMPARE(chooser.calls.size(), answer == vbYes ? 1 : 0);
+            QCOMPARE(dialogs.takeBoxes(),
+                     Boxes({{"You selected to export one category, but you have more than one in "
+                             "your view.\rDo you want to export all categories instead?",
+                             vbYesNoCancel + vbExclamation, "Confirm"}}));
+            QCOMPARE(dialogs.fileDialogs.size(), answer == vbYes ? 1 : 0);
             QCOMPARE(bool(form.ExportRecordset), answer == vbYes);
         }
     }
@@ -192,49 +178,49 @@ class ExportWindowTest : public QObject {
         form.Check1[0]->setChecked(false);
         form.Check1[3]->setChecked(true);
         form.cmdOK_Click();
-        QCOMPARE(dialogs.msgBoxes.last().prompt,
-                 QString("Please select where you want to want to export your cd-titles to."));
-        QCOMPARE(dialogs.msgBoxes.last().flags, int(vbCritical));
-        QCOMPARE(dialogs.msgBoxes.last().title, QString("No destination given for export"));
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"Please select where you want to want to export your cd-titles to.",
+                         vbCritical, "No destination given for export"}}));
 
         form.Check1[1]->setChecked(true);
         for (QCheckBox* field : form.Check3) field->setChecked(false);
         form.cmdOK_Click();
-        QCOMPARE(dialogs.msgBoxes.last().prompt,
-                 QString("You want to export cd-titles, but didn't select any fields.\r\n\r\n"
-                         "Please correct this before continuing."));
-        QCOMPARE(dialogs.msgBoxes.last().title, QString("Fields"));
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"You want to export cd-titles, but didn't select any fields.\r\n\r\n"
+                         "Please correct this before continuing.",
+                         vbExclamation, "Fields"}}));
 
         // An empty folder: each file destination says so, and the window stays.
         gDatabase->Execute("delete from title");
         form.Check3[1]->setChecked(true);
         form.Check1[2]->setChecked(true);
-        ScriptedChooser chooser;
         form.cmdOK_Click();
-        QCOMPARE(dialogs.msgBoxes.size(), 4);
-        QCOMPARE(dialogs.msgBoxes[2].title, QString("Exporting titles to clipboard"));
-        QCOMPARE(dialogs.msgBoxes[3].title, QString("Exporting titles to TAB-delimited file"));
-        QCOMPARE(dialogs.msgBoxes[3].prompt, QString("No titles to export."));
-        QVERIFY(chooser.calls.isEmpty());
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"No titles to export.", vbExclamation, "Exporting titles to clipboard"},
+                        {"No titles to export.", vbExclamation,
+                         "Exporting titles to TAB-delimited file"}}));
+        QVERIFY(dialogs.fileDialogs.isEmpty());
         QVERIFY(form.isVisible());
     }
 
     void twoDestinationsShareTheRowsAndAFailedWriterClosesAnyway() {
         ScriptedDialogs dialogs;
         SetDocumentOpener([](const QUrl&) { return true; });
-        SelectNode("root");
+        ClickTreeNode("root");
         frmExport form(gMainForm);
         form.Form_Load();
         form.Check1[2]->setChecked(true);
-        ScriptedChooser chooser;
-        chooser.answers << folder_->file("page.html") << folder_->path();
+        dialogs.answerFile(folder_->file("page.html"));
+        dialogs.answerFile(folder_->path());
         form.show();
         form.cmdOK_Click();
         SetDocumentOpener({});
-        QCOMPARE(dialogs.prompts(),
-                 QStringList(
-                     {"5 titles have been exported to file '" + folder_->file("page.html") + "'.",
-                      "Could not export to file " + folder_->path() + "!"}));
+        QCOMPARE(
+            dialogs.takeBoxes(),
+            Boxes(
+                {{"5 titles have been exported to file '" + folder_->file("page.html") + "'.",
+                  vbInformation, "Export to File Results"},
+                 {"Could not export to file " + folder_->path() + "!", vbExclamation, "Velmora"}}));
         QCOMPARE(form.result(), int(QDialog::Accepted));
         QVERIFY(!form.isVisible());
     }

@@ -1,15 +1,24 @@
-// The writers on a small catalogue: the HTML page, the TAB file, the clipboard report and
-// cdplayer.ini, with what they ask, what they write and what they do when writing fails.
+// The writers on a small catalogue: the HTML page, the TAB file, the clipboard report,
+// cdplayer.ini and the Deluxe CD player's database, with what they ask, what they write and what
+// they do when writing fails. The Deluxe file is written by the program's own Jet writer and read
+// back by mdbtools, by the program's reading, and by the import into an empty catalogue; the
+// page is also read by a real browser.
 
 #include <sys/resource.h>
+#include <unistd.h>
+
 #include <QCheckBox>
 #include <QClipboard>
 #include <QDir>
 #include <QGuiApplication>
+#include <QProcess>
+#include <QStandardPaths>
 #include <csignal>
 
 #include "export/exporttest.h"
 #include "export/frmExport.h"
+#include "import/frmImport.h"
+#include "store/jetcheck.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/mUtilityIni.h"
 #include "toolkit/vbruntime.h"
@@ -43,6 +52,13 @@ class FileSizeLimit {
     rlimit saved_{};
 };
 
+// The Deluxe writer's closing box.
+MsgBoxCall DeluxeSummary(int duplicates) {
+    return {"Tried to export 3 title(s) to the Deluxe Database.\r\nOf those " +
+                QString::number(duplicates) + " went wrong because of duplicates.",
+            vbInformation, "Export to Deluxe CD-Player Results"};
+}
+
 }  // namespace
 
 class WritersTest : public QObject {
@@ -56,7 +72,10 @@ class WritersTest : public QObject {
         form_ = std::make_unique<frmExport>();
         form_->Form_Load();
         for (QCheckBox* field : form_->Check3) field->setChecked(true);
-        Select(kAllTitles);
+        Select(kTitleJoinInListOrder);
+        form_->DeluxePath = folder_->file("DeluxeCD.mdb");
+        QVERIFY(QFile::copy(FixturePath("deluxe/cd_pk.mdb"), form_->DeluxePath));
+        QFile::setPermissions(form_->DeluxePath, QFile::ReadOwner | QFile::WriteOwner);
         opened_.clear();
         SetDocumentOpener([this](const QUrl& url) {
             opened_ << url;
@@ -72,13 +91,12 @@ class WritersTest : public QObject {
 
     void htmlPageKeepsItsLinesStatisticsAndCells() {
         ScriptedDialogs dialogs;
-        ScriptedChooser chooser;
         const QString page = folder_->file("page.html");
-        chooser.answers << page;
+        dialogs.answerFile(page);
         Export(&frmExport::ExportToHtml);
 
-        QCOMPARE(chooser.calls.size(), 1);
-        const FileDialogCall& asked = chooser.calls[0];
+        QCOMPARE(dialogs.fileDialogs.size(), 1);
+        const FileDialogCall& asked = dialogs.fileDialogs[0];
         QCOMPARE(asked.title, QString("Enter a name for the HTML-file"));
         QCOMPARE(asked.defaultExt, QString("html"));
         QCOMPARE(asked.flags, 0x9806);
@@ -129,95 +147,94 @@ class WritersTest : public QObject {
         QVERIFY(headings[0].contains("<p>Audio</p>") && headings[2].contains("<p>Video</p>"));
         QCOMPARE(lines.filter("</table></ul></blockquote>").size(), 3);
 
-        QCOMPARE(dialogs.msgBoxes.size(), 1);
-        QCOMPARE(dialogs.msgBoxes[0].prompt, "5 titles have been exported to file '" + page + "'.");
-        QCOMPARE(dialogs.msgBoxes[0].flags, int(vbInformation));
-        QCOMPARE(dialogs.msgBoxes[0].title, QString("Export to File Results"));
+        QCOMPARE(dialogs.takeBoxes(), Boxes({{"5 titles have been exported to file '" + page + "'.",
+                                              vbInformation, "Export to File Results"}}));
         QCOMPARE(opened_, QList<QUrl>({QUrl::fromLocalFile(page)}));
     }
 
     void htmlAverageRoundsHalfToEvenAndRatingLineIsOptional() {
         ScriptedDialogs dialogs;
-        ScriptedChooser chooser;
         gDatabase->Execute("update title set rating = 53 where idcd = 2");
         // Homogénic and Zero Tracks: 133 / 2 = 66.5 goes to 66.
-        Select(kAudioPair);
-        chooser.answers << folder_->file("two.html");
+        Select(kTitleJoin + " and title.idcd in (1, 2) order by platform.nmplatform");
+        dialogs.answerFile(folder_->file("two.html"));
         Export(&frmExport::ExportToHtml, 2);
         QCOMPARE(Lines(ReadBytes(folder_->file("two.html")).mid(3))[2],
                  QString("average rating: <font color=\"#000000\">66</font></small></small>"));
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"2 titles have been exported to file '" + folder_->file("two.html") + "'.",
+                         vbInformation, "Export to File Results"}}));
 
         form_->Check3[5]->setChecked(false);
         form_->ShowSummary = false;
         form_->OpenHtmlAfterExport = false;
         opened_.clear();
-        Select(kAllTitles + " limit 1");
-        chooser.answers << folder_->file("one.html");
+        Select(kTitleJoinInListOrder + " limit 1");
+        dialogs.answerFile(folder_->file("one.html"));
         Export(&frmExport::ExportToHtml, 1);
         const QStringList lines = Lines(ReadBytes(folder_->file("one.html")).mid(3));
         QVERIFY(lines[2].startsWith("<br><small><small>Number of different platforms:"));
         QVERIFY(!lines.join("").contains("/100"));
-        QCOMPARE(dialogs.msgBoxes.size(), 1);
+        QVERIFY(dialogs.msgBoxes.isEmpty());
         QVERIFY(opened_.isEmpty());
 
         form_->ShowSummary = true;
-        chooser.answers << folder_->file("one.html");
+        dialogs.answerFile(folder_->file("one.html"));
         Export(&frmExport::ExportToHtml, 1);
-        QCOMPARE(dialogs.msgBoxes.last().prompt,
-                 "1 title has been exported to file '" + folder_->file("one.html") + "'.");
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"1 title has been exported to file '" + folder_->file("one.html") + "'.",
+                         vbInformation, "Export to File Results"}}));
     }
 
     void fileWritersReportWhatCannotBeWritten() {
         ScriptedDialogs dialogs;
-        ScriptedChooser chooser;
+        const auto failed = [](const QString& name) {
+            return MsgBoxCall{"Could not export to file " + name + "!", vbExclamation, "Velmora"};
+        };
         const QString folderName = folder_->file("taken");
         QDir().mkpath(folderName);
-        chooser.answers << folderName << folderName;
+        dialogs.answerFile(folderName);
+        dialogs.answerFile(folderName);
         Export(&frmExport::ExportToHtml);
         Export(&frmExport::ExportToTabFile);
-        QCOMPARE(dialogs.prompts(), QStringList(2, "Could not export to file " + folderName + "!"));
-        QCOMPARE(dialogs.msgBoxes[0].flags, int(vbExclamation));
-        QVERIFY(opened_.isEmpty());
+        QCOMPARE(dialogs.takeBoxes(), Boxes({failed(folderName), failed(folderName)}));
 
         // A cancelled chooser ends the writer without a word.
         Export(&frmExport::ExportToHtml);
         Export(&frmExport::ExportToTabFile);
-        QCOMPARE(dialogs.msgBoxes.size(), 2);
+        QVERIFY(dialogs.msgBoxes.isEmpty());
 
         // A title without a rating stops the page's statistics.
         gDatabase->Execute("update title set rating = NULL where idcd = 5");
-        Select(kAllTitles);
-        chooser.answers << folder_->file("null.html");
+        Select(kTitleJoinInListOrder);
+        dialogs.answerFile(folder_->file("null.html"));
         Export(&frmExport::ExportToHtml);
-        QCOMPARE(dialogs.msgBoxes.last().prompt,
-                 "Could not export to file " + folder_->file("null.html") + "!");
+        QCOMPARE(dialogs.takeBoxes(), Boxes({failed(folder_->file("null.html"))}));
         gDatabase->Execute("update title set rating = 65 where idcd = 5");
 
         // A full disc: the file size limit stops the page part way.
-        Select(kAllTitles);
-        chooser.answers << folder_->file("full.html") << folder_->file("full.txt");
+        Select(kTitleJoinInListOrder);
+        dialogs.answerFile(folder_->file("full.html"));
+        dialogs.answerFile(folder_->file("full.txt"));
         {
             const FileSizeLimit limit(256);
             Export(&frmExport::ExportToHtml);
             Export(&frmExport::ExportToTabFile);
         }
-        QCOMPARE(dialogs.prompts().mid(3),
-                 QStringList({"Could not export to file " + folder_->file("full.html") + "!",
-                              "Could not export to file " + folder_->file("full.txt") + "!"}));
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({failed(folder_->file("full.html")), failed(folder_->file("full.txt"))}));
         QVERIFY(opened_.isEmpty());
-        const auto titles = gDatabase->OpenRecordset("select count(*) as n from title");
-        QCOMPARE((*titles)["n"].toInt(), 5);
+        QCOMPARE(Scalar("select count(*) from title").toInt(), 5);
     }
 
     void tabFileHoldsFourteenColumnsWithTokens() {
         ScriptedDialogs dialogs;
-        ScriptedChooser chooser;
         const QString name = folder_->file("titles.txt");
-        chooser.answers << name;
+        dialogs.answerFile(name);
         for (QCheckBox* field : form_->Check3) field->setChecked(false);
         Export(&frmExport::ExportToTabFile);
 
-        const FileDialogCall& asked = chooser.calls[0];
+        const FileDialogCall& asked = dialogs.fileDialogs[0];
         QCOMPARE(asked.title, QString("Export cd-titles to a TAB-delimited file"));
         QCOMPARE(asked.defaultExt, QString("txt"));
         QCOMPARE(asked.flags, 0x9806);
@@ -240,9 +257,9 @@ class WritersTest : public QObject {
                  QString("PC\tGames\tAction\tUnknown vendor\tCafé Tycoon\tCD-ROM\tCAFE\t91"
                          "\tsetup.exe<NEWLINE>data\tfile.cab\t\t2\t\t\t1"));
         QCOMPARE(lines[4].split('\t').size(), 14);
-        QCOMPARE(dialogs.msgBoxes.size(), 1);
-        QCOMPARE(dialogs.msgBoxes[0].title, QString("Export to TAB-delimited File Results"));
-        QCOMPARE(dialogs.msgBoxes[0].prompt, "5 titles have been exported to file '" + name + "'.");
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"5 titles have been exported to file '" + name + "'.", vbInformation,
+                         "Export to TAB-delimited File Results"}}));
     }
 
     void clipboardGetsTheBoxedReport() {
@@ -273,35 +290,35 @@ class WritersTest : public QObject {
         QVERIFY(text.contains(" Number      5 of 5"));
         QVERIFY(!text.contains("Category") && !text.contains("Rating") &&
                 !text.contains("Menu music"));
-        QCOMPARE(dialogs.prompts(), QStringList("5 titles have been exported to the clipboard."));
-        QCOMPARE(dialogs.msgBoxes[0].title, QString("Export to Clipboard Results"));
+        const auto exported = [](const QString& text) {
+            return Boxes({{text, vbInformation, "Export to Clipboard Results"}});
+        };
+        QCOMPARE(dialogs.takeBoxes(), exported("5 titles have been exported to the clipboard."));
         QCOMPARE(QDir(temp).entryList(QDir::Files), QStringList());
 
-        Select(kAllTitles + " limit 1");
+        Select(kTitleJoinInListOrder + " limit 1");
         Export(&frmExport::ExportToClipboard, 1);
-        QCOMPARE(dialogs.msgBoxes.last().prompt,
-                 QString("1 title has been exported to the clipboard."));
+        QCOMPARE(dialogs.takeBoxes(), exported("1 title has been exported to the clipboard."));
         const QString single = QGuiApplication::clipboard()->text();
         QVERIFY(single.contains(" Number      1 of 1\n"));
 
         // No temporary file can be made: the clipboard keeps what it had.
         const QString notAFolder = folder_->file("plain");
-        WriteFile(notAFolder, "x");
+        WriteBytes(notAFolder, "x");
         qputenv("TMPDIR", notAFolder.toUtf8());
         Export(&frmExport::ExportToClipboard, 1);
         qunsetenv("TMPDIR");
-        QCOMPARE(dialogs.msgBoxes.last().prompt, QString("Error 75: Path/File access error"));
-        QCOMPARE(dialogs.msgBoxes.last().flags, int(vbExclamation));
-        QCOMPARE(dialogs.msgBoxes.last().title, QString("Error exporting to clipboard"));
+        QCOMPARE(dialogs.takeBoxes(), Boxes({{"Error 75: Path/File access error", vbExclamation,
+                                              "Error exporting to clipboard"}}));
         QCOMPARE(QGuiApplication::clipboard()->text(), single);
     }
 
     void cdPlayerIniLooksFirstAndKeepsTheOldFile() {
         ScriptedDialogs dialogs;
         const QString ini = folder_->file("cdplayer.ini");
-        WriteFile(ini,
-                  "[cddb]\r\nkeep=me\r\n\r\n[1a2b3c]\r\nnumtracks=9\r\ntitle=Old\r\n\r\n"
-                  "[4D]\r\nartist=Nobody\r\n");
+        WriteBytes(ini,
+                   "[cddb]\r\nkeep=me\r\n\r\n[1a2b3c]\r\nnumtracks=9\r\ntitle=Old\r\n\r\n"
+                   "[4D]\r\nartist=Nobody\r\n");
         form_->IniPath = ini;
         form_->Check3[0]->setChecked(false);
         form_->WarnTitles = true;
@@ -319,21 +336,19 @@ class WritersTest : public QObject {
             bytes.contains("[FFFFFFFF]\r\nEntryType=1\r\nartist=Various artists\r\ntitle=Zero "
                            "Tracks\r\nnumtracks=0\r\norder=\r\nnumplay=0\r\n"));
         QVERIFY(!bytes.contains("Homogénic") && !bytes.contains("Café"));
-        QCOMPARE(dialogs.prompts(),
-                 QStringList({"The audio-cd named 'Homogénic' allready existed in the Windows "
-                              "Default CD-player\rThis file wil not be replaced: overwrite option "
-                              "not selected.",
-                              "Tried to export 3 title(s) to Windows Default CD-player\r\nOf "
-                              "those 1 were skipped because of duplicates."}));
-        QCOMPARE(dialogs.msgBoxes[0].title, QString("Duplicate found"));
-        QCOMPARE(dialogs.msgBoxes[0].flags, int(vbInformation));
-        QCOMPARE(dialogs.msgBoxes[1].flags, int(vbInformation));
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"The audio-cd named 'Homogénic' allready existed in the Windows Default "
+                         "CD-player\rThis file wil not be replaced: overwrite option not selected.",
+                         vbInformation, "Duplicate found"},
+                        {"Tried to export 3 title(s) to Windows Default CD-player\r\nOf those 1 "
+                         "were skipped because of duplicates.",
+                         vbInformation, "Velmora"}}));
 
         // Overwriting renews the keys in their places; track keys above the new count stay. A
         // file of plain ASCII is taken for the players' code page and stays in it.
         form_->OverwriteTitles = true;
         form_->ShowSummary = false;
-        WriteFile(ini, "[1A2B3C]\r\n0=a\r\n1=b\r\n2=c\r\n3=d\r\nnumtracks=4\r\n");
+        WriteBytes(ini, "[1A2B3C]\r\n0=a\r\n1=b\r\n2=c\r\n3=d\r\nnumtracks=4\r\n");
         Export(&frmExport::ExportToCdPlayerIni);
         QVERIFY(ReadBytes(ini).startsWith(
             "[1A2B3C]\r\n0=J\xF3ga\r\n1=Bachelorette\r\n2=Hunter\r\n3=d\r\nnumtracks=3\r\n"
@@ -348,7 +363,7 @@ class WritersTest : public QObject {
         QByteArray damaged(100000, 'x');
         damaged += "\r\n";
         for (int i = 0; i < 256; ++i) damaged += char(i);
-        WriteFile(ini, damaged);
+        WriteBytes(ini, damaged);
         form_->IniPath = ini;
         Export(&frmExport::ExportToCdPlayerIni);
         const QByteArray after = ReadBytes(ini);
@@ -359,19 +374,198 @@ class WritersTest : public QObject {
         QVERIFY(dialogs.msgBoxes.isEmpty());
 
         // A full disc keeps the old file whole, and says so.
-        WriteFile(ini, "[CDDB]\r\nkeep=me\r\n");
+        WriteBytes(ini, "[CDDB]\r\nkeep=me\r\n");
         {
             const FileSizeLimit limit(64);
             Export(&frmExport::ExportToCdPlayerIni);
         }
         QCOMPARE(ReadBytes(ini), QByteArray("[CDDB]\r\nkeep=me\r\n"));
-        QCOMPARE(dialogs.prompts(), QStringList("Could not export to file " + ini + "!"));
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"Could not export to file " + ini + "!", vbExclamation, "Velmora"}}));
+    }
+
+    void newTitlesAndTracksAreAppendedAndDuplicatesSkipped() {
+        ScriptedDialogs dialogs;
+        form_->WarnTitles = true;
+        Export(&frmExport::ExportToDeluxe);
+        QCOMPARE(form_->DeluxeExportTried, qint16(3));
+        QCOMPARE(form_->DeluxeExportDuplicates, qint16(0));
+        QCOMPARE(dialogs.takeBoxes(), Boxes({DeluxeSummary(0)}));
+
+        const QString path = form_->DeluxePath;
+        QCOMPARE(CountedRows(path, "Titles"), 7L);
+        QCOMPARE(CountedRows(path, "Tracks"), 11L);
+        const QStringList titles = ExportedRows(path, "Titles");
+        QVERIFY(titles.contains("1715004,\"Björk\",\"Homogénic\",3"));
+        QVERIFY(titles.contains("77,\"Various artists\",\"Missing Tracks\",2"));
+        QVERIFY(titles.contains("-1,\"Various artists\",\"Zero Tracks\",0"));
+        QVERIFY(ExportedRows(path, "Tracks").contains("1715004,2,\"Hunter\""));
+        // The primary key lists the new titles among the old in order.
+        const jet::Index primaryKey = jet::Writer(path).Table("Titles").indexes.at(0);
+        long entries = 0;
+        QCOMPARE(CheckIndex(path, "Titles", primaryKey, entries), QString());
+        QCOMPARE(entries, 7L);
+
+        // Again: every title is there, each is skipped with its warning, tracks unlooked at.
+        const QByteArray before = ReadBytes(path);
+        // A window counts from zero when it loads; this one exports a second time.
+        form_->DeluxeExportTried = 0;
+        Export(&frmExport::ExportToDeluxe);
+        QCOMPARE(form_->DeluxeExportDuplicates, qint16(3));
+        Boxes skipped;
+        for (const char* name : {"Homogénic", "Missing Tracks", "Zero Tracks"})
+            skipped << MsgBoxCall{"The cd with title '" + QString(name) +
+                                      "' cannot be copied and will be skipped.\r\rMost likely "
+                                      "reason is that it allready exists in the Deluxe database.",
+                                  vbExclamation,
+                                  "Exporting to Windows Deluxe CD-player (Plus! and 2000)"};
+        QCOMPARE(dialogs.takeBoxes(), skipped << DeluxeSummary(3));
+        QCOMPARE(ReadBytes(path), before);
+    }
+
+    void overwritingChangesRowsInPlaceAndExistingTracksAreToldOnce() {
+        ScriptedDialogs dialogs;
+        const QString path = form_->DeluxePath;
+        // Tracks of a disc that is not in the file yet, left there by an earlier disc.
+        {
+            jet::Writer writer(path);
+            for (int track = 0; track < 2; ++track)
+                writer.AppendRow("Tracks", writer.ValuesByName("Tracks", {{"TitleID", 1715004},
+                                                                          {"TrackID", track},
+                                                                          {"TrackName", "old"}}));
+        }
+        form_->ShowSummary = false;
+        Export(&frmExport::ExportToDeluxe);
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"Some tracknames could not be added because they allready existed in the "
+                         "Deluxe Database.\r\nIf you wish to replace the tracknames in de Deluxe "
+                         "Database, you might want to select the option to overwrite duplicates.",
+                         vbInformation, "Some tracks allready existed in the Deluxe Database"}}));
+        QVERIFY(ExportedRows(path, "Tracks").contains("1715004,0,\"old\""));
+        QVERIFY(ExportedRows(path, "Tracks").contains("1715004,2,\"Hunter\""));
+
+        gDatabase->Execute("update title set nmcd = 'Homogenic (remastered)' where idcd = 1");
+        gDatabase->Execute(
+            "update Tracks set TrackName = 'Jóga (live)' where idcd = 1 and "
+            "TrackID = 0");
+        form_->ExportRecordset->Requery();
+        form_->OverwriteTitles = true;
+        Export(&frmExport::ExportToDeluxe);
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+        const QStringList titles = ExportedRows(path, "Titles");
+        QVERIFY(titles.contains("1715004,\"Björk\",\"Homogenic (remastered)\",3"));
+        const QStringList tracks = ExportedRows(path, "Tracks");
+        QVERIFY(tracks.contains("1715004,0,\"Jóga (live)\""));
+        QVERIFY(tracks.contains("1715004,1,\"Bachelorette\""));
+        QCOMPARE(CountedRows(path, "Titles"), 7L);
+        QCOMPARE(CountedRows(path, "Tracks"), 11L);
+    }
+
+    void badFilesGetTheirBoxesAndStayAsTheyWere() {
+        ScriptedDialogs dialogs;
+        const QString path = form_->DeluxePath;
+        const QByteArray whole = ReadBytes(path);
+        const Boxes refused = {
+            {"There was a problem loading de database of the Deluxe "
+             "CD-Player.\r\rNew titles cannot be added, please verify that the "
+             "Deluxe-database is not missing or corrupted.",
+             vbExclamation, "Velmora"}};
+        for (const QByteArray& damaged :
+             {whole.left(whole.size() - 100), QByteArray("no jet"), whole.left(4096 * 3)}) {
+            WriteBytes(path, damaged);
+            Export(&frmExport::ExportToDeluxe);
+            QCOMPARE(dialogs.takeBoxes(), refused);
+            QCOMPARE(ReadBytes(path), damaged);
+        }
+        // A file the user may not write (the test may run as root, who may: then it is written).
+        WriteBytes(path, whole);
+        if (geteuid() != 0) {
+            QFile::setPermissions(path, QFile::ReadOwner);
+            Export(&frmExport::ExportToDeluxe);
+            QCOMPARE(dialogs.takeBoxes(), refused);
+            QCOMPARE(ReadBytes(path), whole);
+            QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+        }
+
+        // A title whose artist is not on the audio platform stops the run.
+        gDatabase->Execute("update title set idvendor = 4 where idcd = 1");
+        form_->ExportRecordset->Requery();
+        Export(&frmExport::ExportToDeluxe);
+        QCOMPARE(
+            dialogs.takeBoxes(),
+            Boxes({{"An error occured during the process.", vbExclamation, "Unable to continue"}}));
+    }
+
+    void exportedTitlesComeBackThroughTheImport() {
+        ScriptedDialogs dialogs;
+        form_->ShowSummary = false;
+        Export(&frmExport::ExportToDeluxe);
+        const QString path = form_->DeluxePath;
+        form_.reset();
+
+        TempProgramFolder empty;
+        empty.openCatalogue();
+        frmImport import;
+        import.Form_Load();
+        import.ShowSummary = false;
+        import.DeluxePath = path;
+        import.cmbDefType->setCurrentIndex(import.cmbDefType->findText("Rock"));
+        import.cmbDefType_Click();
+        import.cmbDefSpecific->setCurrentIndex(0);
+        import.ImportDeluxeDatabase();
+        QCOMPARE(Scalar("select nmcd from title where TitleID = 1715004").toString(),
+                 QString("Homogénic"));
+        QCOMPARE(Scalar("select nmvendor from title, vendor where title.idvendor = "
+                        "vendor.idvendor and TitleID = 1715004")
+                     .toString(),
+                 QString("Björk"));
+        QCOMPARE(Scalar("select group_concat(TrackName, '|') from (select TrackName from Tracks, "
+                        "title where Tracks.idcd = title.idcd and TitleID = 1715004 order by "
+                        "TrackID)")
+                     .toString(),
+                 QString("Jóga|Bachelorette|Hunter"));
+        // The import reads titles joined to their tracks: the two exported without tracks stay
+        // behind, the file's own four come along.
+        QCOMPARE(Scalar("select count(*) from title").toInt(), 5);
+    }
+
+    // The exported page as a real browser reads it: headless Chromium's text of the page shows
+    // every title, every platform heading and the accented names as they are in the catalogue.
+    void chromiumShowsTitlesHeadingsAndAccents() {
+        const QString chromium = QStandardPaths::findExecutable("chromium");
+        if (chromium.isEmpty()) QSKIP("chromium is not installed");
+        ScriptedDialogs dialogs;
+        const QString page = folder_->file("page.html");
+        dialogs.answerFile(page);
+        Export(&frmExport::ExportToHtml);
+
+        QTemporaryDir profile;
+        QProcess browser;
+        browser.start(chromium, {"--headless", "--no-sandbox", "--disable-gpu",
+                                 "--user-data-dir=" + profile.path(), "--dump-dom",
+                                 QUrl::fromLocalFile(page).toString()});
+        QVERIFY(browser.waitForFinished(90000));
+        const QString dom = QString::fromUtf8(browser.readAllStandardOutput());
+        QVERIFY2(dom.contains("<title>Dorvik Software Velmora Generated Exportfile</title>"),
+                 qPrintable(dom.left(400)));
+        for (const char* text :
+             {"Homogénic", "Zero Tracks", "Café Tycoon", "Missing Tracks", "Nosferatu",
+              "<p>Audio</p>", "<p>PC</p>", "<p>Video</p>", "Björk", "Jóga<br>", "setup.exe<br>"})
+            QVERIFY2(dom.contains(text), qPrintable(text));
+        QVERIFY(dom.contains("x &lt; y &amp; \"z\""));
+
+        // A picture of the page for a person to look at, when asked for.
+        const QString screenshot = qEnvironmentVariable("VELMORA_EXPORT_SCREENSHOT");
+        if (!screenshot.isEmpty()) {
+            browser.start(chromium,
+                          {"--headless", "--no-sandbox", "--disable-gpu",
+                           "--user-data-dir=" + profile.path(), "--window-size=1000,1300",
+                           "--screenshot=" + screenshot, QUrl::fromLocalFile(page).toString()});
+            QVERIFY(browser.waitForFinished(90000));
+        }
     }
 
   private:
-    const QString kAudioPair = kAllTitles.left(kAllTitles.indexOf(" order by")) +
-                               " and title.idcd in (1, 2) order by platform.nmplatform";
-
     void Select(const QString& sql) {
         form_->ExportRecordset = gDatabase->OpenRecordset(sql, dbOpenDynaset, dbReadOnly);
     }
@@ -379,12 +573,6 @@ class WritersTest : public QObject {
     void Export(void (frmExport::*writer)(long&), long count = 5) {
         form_->ExportRecordset->MoveFirst();
         (form_.get()->*writer)(count);
-    }
-
-    static void WriteFile(const QString& path, const QByteArray& bytes) {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(bytes);
     }
 
     std::unique_ptr<TempProgramFolder> folder_;

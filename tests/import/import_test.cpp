@@ -6,19 +6,7 @@
 
 namespace {
 
-void WriteFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-long Count(const QString& where) {
-    return Scalar("select count(*) from " + where).toLongLong();
-}
-
-QString Fixture(const QString& name) {
-    return QStringLiteral(VELMORA_FIXTURES_DIR) + "/deluxe/" + name;
-}
+const QString kIniSource = "Importing from Windows Default CD-player";
 
 // The window as the user leaves it: Rock and its first specific item as defaults.
 void ChooseDefaults(frmImport& window) {
@@ -50,7 +38,7 @@ class ImportTest : public QObject {
     void tabLinesMakeTheirLookupsAndTitles() {
         ScriptedDialogs dialogs;
         const QString path = folder->file("titles.txt");
-        WriteFile(
+        WriteBytes(
             path,
             "PC\tGames\tAction\tId Software\tDoom\tCD-ROM\tlabel\t5\tREADME<NEWLINE>"
             "DOOM.EXE\t\t0\tA memo\t\t2\r\n"
@@ -72,16 +60,17 @@ class ImportTest : public QObject {
         QCOMPARE(dialogs.fileDialogs[0].flags, 6148L);
         QCOMPARE(window.TabTried, 7);
         QCOMPARE(window.TabFailed, 4);
-        QCOMPARE(dialogs.msgBoxes.last().prompt,
-                 QString("Tried to import 7 title(s) from TAB delimited file\r\nOf those 4 went "
-                         "wrong."));
+        QCOMPARE(dialogs.msgBoxes.last(),
+                 MsgBoxCall({"Tried to import 7 title(s) from TAB delimited file\r\nOf those 4 "
+                             "went wrong.",
+                             vbInformation, "Velmora"}));
         QCOMPARE(dialogs.msgBoxes[0].title, QString("Error adding title Thirteen"));
         QVERIFY(dialogs.msgBoxes[0].prompt.startsWith("Error 9: "));
-        QCOMPARE(dialogs.msgBoxes[0].flags, 16);
+        QCOMPARE(dialogs.msgBoxes[0].flags, int(vbCritical));
 
         QCOMPARE(Scalar("select nmcd from title where TitleID = 1234").toString(), QString("It's"));
-        QCOMPARE(Count("vendor where nmvendor = 'O''Brien' and idplatform = 1"), 1L);
-        QCOMPARE(Count("Tracks, title where Tracks.idcd = title.idcd and nmcd = 'It''s'"), 2L);
+        QCOMPARE(RowCount("vendor where nmvendor = 'O''Brien' and idplatform = 1"), 1L);
+        QCOMPARE(RowCount("Tracks, title where Tracks.idcd = title.idcd and nmcd = 'It''s'"), 2L);
         QCOMPARE(Scalar("select listing from title where nmcd = 'Doom'").toString(),
                  QString("README\r\nDOOM.EXE"));
         QCOMPARE(Scalar("select label from title where nmcd = 'Doom'").toString(),
@@ -95,8 +84,8 @@ class ImportTest : public QObject {
                      .toString(),
                  QString("Caf\u00e9 \u2019"));
         // The half-written title went, and the store took its track rows with it.
-        QCOMPARE(Count("title where nmcd in ('Short', 'Thirteen', 'NaN', 'Same id')"), 0L);
-        QCOMPARE(Count("Tracks where idcd not in (select idcd from title)"), 0L);
+        QCOMPARE(RowCount("title where nmcd in ('Short', 'Thirteen', 'NaN', 'Same id')"), 0L);
+        QCOMPARE(RowCount("Tracks where idcd not in (select idcd from title)"), 0L);
         QVERIFY(!gDatabase->InTransaction());
     }
 
@@ -104,11 +93,11 @@ class ImportTest : public QObject {
         ScriptedDialogs dialogs;
         QVERIFY(QDir().mkpath(prefix->path() + "/drive_c/windows"));
         const QString ini = prefix->path() + "/drive_c/windows/cdplayer.ini";
-        WriteFile(ini,
-                  "[CDDB]\r\nversion=1\r\n[1A2B]\r\nartist=Caf\xe9 Band\r\ntitle=First\r\n"
-                  "numtracks=3\r\n1=Named\r\n[FFFFFFFF]\r\nartist=Caf\xe9 Band\r\ntitle=Minus\r\n"
-                  "numtracks=1\r\n0=Only\r\n[77]\r\ntitle=No count\r\n[1a2b]\r\ntitle=Twice\r\n"
-                  "numtracks=1\r\n");
+        WriteBytes(ini,
+                   "[CDDB]\r\nversion=1\r\n[1A2B]\r\nartist=Caf\xe9 Band\r\ntitle=First\r\n"
+                   "numtracks=3\r\n1=Named\r\n[FFFFFFFF]\r\nartist=Caf\xe9 Band\r\ntitle=Minus\r\n"
+                   "numtracks=1\r\n0=Only\r\n[77]\r\ntitle=No count\r\n[1a2b]\r\ntitle=Twice\r\n"
+                   "numtracks=1\r\n");
         frmImport window;
         window.Form_Load();
         QVERIFY(window.Check1[0]->isEnabled());
@@ -118,11 +107,13 @@ class ImportTest : public QObject {
         window.ImportCdPlayerIni();
         QCOMPARE(window.IniTried, 4);
         QCOMPARE(window.IniDuplicates, 2);
-        QCOMPARE(dialogs.msgBoxes.size(), 2);
-        QCOMPARE(dialogs.msgBoxes[0].prompt,
-                 QString("The cd with title 'No count' cannot be added and will be skipped.\r\r"
-                         "Most likely reason is that it allready existed in Velmora's Database."));
-        QCOMPARE(dialogs.msgBoxes[0].title, QString("Importing from Windows Default CD-player"));
+        Boxes skipped;
+        for (const QString title : {"No count", "First"})
+            skipped << MsgBoxCall{"The cd with title '" + title +
+                                      "' cannot be added and will be skipped.\r\rMost likely "
+                                      "reason is that it allready existed in Velmora's Database.",
+                                  vbExclamation, kIniSource};
+        QCOMPARE(dialogs.takeBoxes(), skipped);
         QStringList tracks;
         auto rs = gDatabase->OpenRecordset(
             "select TrackName from Tracks, title where Tracks.idcd = title.idcd and TitleID = "
@@ -130,7 +121,7 @@ class ImportTest : public QObject {
         for (; !rs->IsEOF(); rs->MoveNext()) tracks << rs->Fields(0).Value().toString();
         QCOMPARE(tracks, QStringList({"Track 1", "Named", "Track 3"}));
         QCOMPARE(Scalar("select nmcd from title where TitleID = -1").toString(), QString("Minus"));
-        QCOMPARE(Count("vendor where nmvendor = 'Caf\u00e9 Band'"), 1L);
+        QCOMPARE(RowCount("vendor where nmvendor = 'Caf\u00e9 Band'"), 1L);
 
         // Again with overwriting: every title renewed, created kept, nothing refused but the
         // section without a count, which stops the import.
@@ -145,42 +136,39 @@ class ImportTest : public QObject {
         QCOMPARE(Scalar("select created from title where TitleID = 6699").toString(),
                  QString("2001-01-01"));
         QCOMPARE(again.IniDuplicates, 0);
-        QVERIFY(dialogs.msgBoxes.last().prompt.contains(ini));
+        QVERIFY(dialogs.takeBoxes().last().prompt.contains(ini));
 
         // More than 1000 discs: a box that names the file, nothing written.
         QByteArray many;
         for (int i = 0; i < 1001; ++i) many += "[" + QByteArray::number(i + 0x10000, 16) + "]\n";
-        WriteFile(ini, many);
-        const long before = Count("title");
+        WriteBytes(ini, many);
+        const long before = RowCount("title");
         frmImport full;
         full.Form_Load();
         ChooseDefaults(full);
         full.ImportCdPlayerIni();
-        QCOMPARE(Count("title"), before);
-        QCOMPARE(dialogs.msgBoxes.last().prompt,
-                 "The import from " + ini +
-                     " stopped.\r\nError 9: Subscript out of range: the file holds more than "
-                     "1000 discs.");
-        QCOMPARE(dialogs.msgBoxes.last().title,
-                 QString("Importing from Windows Default CD-player"));
-        QCOMPARE(dialogs.msgBoxes.last().flags, int(vbCritical));
+        QCOMPARE(RowCount("title"), before);
+        QCOMPARE(dialogs.msgBoxes.last(),
+                 MsgBoxCall({"The import from " + ini +
+                                 " stopped.\r\nError 9: Subscript out of range: the file holds "
+                                 "more than 1000 discs.",
+                             vbCritical, kIniSource}));
 
         QFile::remove(ini);
         full.ImportCdPlayerIni();
-        QCOMPARE(dialogs.msgBoxes.last().prompt,
-                 "The import from " + ini + " stopped.\r\nError 53: File not found");
-        QCOMPARE(dialogs.msgBoxes.last().title,
-                 QString("Importing from Windows Default CD-player"));
+        QCOMPARE(dialogs.msgBoxes.last(),
+                 MsgBoxCall({"The import from " + ini + " stopped.\r\nError 53: File not found",
+                             vbCritical, kIniSource}));
     }
 
     void deluxeDatabaseIsFoundAndRead() {
         ScriptedDialogs dialogs;
         QVERIFY(QDir().mkpath(prefix->path() + "/drive_c/Program Files/Plus!"));
-        QVERIFY(QFile::copy(Fixture("cd_pk.mdb"),
+        QVERIFY(QFile::copy(FixturePath("deluxe/cd_pk.mdb"),
                             prefix->path() + "/drive_c/Program Files/Plus!/DeluxeCD.mdb"));
-        WriteFile(prefix->path() + "/user.reg",
-                  "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
-                  "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
+        WriteBytes(prefix->path() + "/user.reg",
+                   "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
+                   "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
         frmImport window;
         window.Form_Load();
         QVERIFY(window.Check1[1]->isEnabled());
@@ -189,30 +177,33 @@ class ImportTest : public QObject {
         window.ImportDeluxeDatabase();
         QCOMPARE(window.DeluxeTried, 4);
         QCOMPARE(window.DeluxeDuplicates, 0);
-        QCOMPARE(Count("title where idplatform = 1 and TitleID in (1001, 1002, -5, 2147483647)"),
+        QCOMPARE(RowCount("title where idplatform = 1 and TitleID in (1001, 1002, -5, 2147483647)"),
                  4L);
-        QCOMPARE(Count("Tracks, title where Tracks.idcd = title.idcd and TitleID = 1001"), 3L);
+        QCOMPARE(RowCount("Tracks, title where Tracks.idcd = title.idcd and TitleID = 1001"), 3L);
         QCOMPARE(Scalar("select TrackName from Tracks, title where Tracks.idcd = title.idcd and "
                         "TitleID = 1002 and TrackID = 1")
                      .toString(),
                  QString("J\u00f3ga"));
 
         // A second run refuses every title and skips its track rows by NumTracks.
-        const long tracks = Count("Tracks");
+        const long tracks = RowCount("Tracks");
         frmImport again;
         again.Form_Load();
         ChooseDefaults(again);
         again.ImportDeluxeDatabase();
         QCOMPARE(again.DeluxeTried, 4);
         QCOMPARE(again.DeluxeDuplicates, 4);
-        QCOMPARE(Count("Tracks"), tracks);
+        QCOMPARE(RowCount("Tracks"), tracks);
 
         // A file that is no database gets its own box.
-        WriteFile(folder->file("broken.mdb"), "garbage");
+        WriteBytes(folder->file("broken.mdb"), "garbage");
         again.DeluxePath = folder->file("broken.mdb");
         again.ImportDeluxeDatabase();
-        QVERIFY(dialogs.msgBoxes.last().prompt.startsWith(
-            "There was a problem loading de database of the Deluxe CD-Player."));
+        QCOMPARE(dialogs.msgBoxes.last(),
+                 MsgBoxCall({"There was a problem loading de database of the Deluxe CD-Player.\r\r"
+                             "New titles cannot be added, please verify that the Deluxe-database "
+                             "is not missing or corrupted.",
+                             vbExclamation, "Velmora"}));
     }
 
     void theWindowChecksBeforeItImports() {
@@ -227,23 +218,22 @@ class ImportTest : public QObject {
         QCOMPARE(window.cmbDefSpecific->count(), 15 - 6);
         window.Check1[2]->setChecked(false);
         window.cmdOK_Click();
-        QCOMPARE(dialogs.msgBoxes.last().prompt,
-                 QString("You should at least select one program or file to import cd's from"));
-        QCOMPARE(dialogs.msgBoxes.last().title, QString("Select a program"));
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"You should at least select one program or file to import cd's from",
+                         vbInformation, "Select a program"}}));
 
         // A player's titles need both defaults, the type first.
         window.Check1[0]->setChecked(true);
         window.cmdOK_Click();
-        QCOMPARE(dialogs.msgBoxes.last().prompt,
-                 QString("Please select a default type when importing CD-titles"));
-        QCOMPARE(dialogs.msgBoxes.last().title, QString("Select a type first"));
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"Please select a default type when importing CD-titles", vbInformation,
+                         "Select a type first"}}));
         window.cmbDefType->setCurrentIndex(window.cmbDefType->findText("Rock"));
         window.cmbDefType_Click();
         window.cmdOK_Click();
-        QCOMPARE(dialogs.msgBoxes.last().prompt,
-                 QString("Please select a default specific item when importing CD-titles"));
-        QCOMPARE(dialogs.msgBoxes.last().title, QString("Select a specific item first"));
-        QCOMPARE(dialogs.msgBoxes.size(), 3);
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"Please select a default specific item when importing CD-titles",
+                         vbInformation, "Select a specific item first"}}));
         window.Check1[0]->setChecked(false);
 
         window.Check2[0]->click();
@@ -260,10 +250,8 @@ class ImportTest : public QObject {
         const QString gone = folder->file("gone.txt");
         dialogs.answerFile(gone);
         window.ImportTabFile();
-        QCOMPARE(dialogs.msgBoxes.last().prompt, "Error 53: File not found: " + gone);
-        QCOMPARE(dialogs.msgBoxes.last().title,
-                 QString("Error when importing from TAB delimited file"));
-        QCOMPARE(dialogs.msgBoxes.last().flags, int(vbCritical));
+        QCOMPARE(dialogs.takeBoxes(), Boxes({{"Error 53: File not found: " + gone, vbCritical,
+                                              "Error when importing from TAB delimited file"}}));
     }
 };
 

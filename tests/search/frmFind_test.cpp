@@ -11,10 +11,7 @@
 
 namespace {
 
-const QString kBase =
-    "Select * from title,vendor,platform,type,specific,mediatype where title.idvendor = "
-    "vendor.idvendor and title.idplatform = platform.idplatform and title.idtype = type.idtype "
-    "and title.idspecific = specific.idspecific and title.idmediatype = mediatype.idmediatype";
+const QString& kBase = kTitleJoin;
 const QString kDefaultRanges =
     " and title.rating >= 0 and title.rating <= 100 and title.nrcds >= 0 and title.nrcds <= 12";
 
@@ -39,12 +36,14 @@ void AddTitles() {
         gDatabase->Execute("insert into Tracks (idcd, TrackID, TrackName) values (" + track + ")");
 }
 
-void SelectNode(const QString& key) {
-    QTreeWidgetItem* node = NodeWithKey(key);
-    QVERIFY2(node, qPrintable(key));
-    gMainForm->TV1->setCurrentItem(node);
-    gMainForm->TV1_NodeClick(node);
-}
+const MsgBoxCall kSearchAll{
+    "You selected to search one category, but you have more than one in your view.\rDo you want "
+    "to search all categories instead?",
+    vbYesNoCancel + vbQuestion, "Confirm"};
+const MsgBoxCall kSearchNodeRefused{
+    "You selected to search the search-category, which is not possible. Please select to search "
+    "all categories or select a different category in the main window.",
+    vbCritical, "Unable to search the search-category"};
 
 QStringList ListedTitles() {
     QStringList titles;
@@ -134,7 +133,7 @@ class FindTest : public QObject {
 
     void trackSearchKeepsToTheAudioPlatform() {
         ScriptedDialogs dialogs;
-        SelectNode("key3");
+        ClickTreeNode("key3");
         frmFind* form = OpenFindWindow();
         QVERIFY(form);
         TypeInto(form->Text1[7], "Star");
@@ -186,7 +185,7 @@ class FindTest : public QObject {
 
     void scopeFollowsTheSelectedNode() {
         ScriptedDialogs dialogs;
-        SelectNode("key3key10");
+        ClickTreeNode("key3key10");
         frmFind* form = OpenFindWindow();
         QVERIFY(form);
         form->Option1[0]->setChecked(true);
@@ -195,30 +194,26 @@ class FindTest : public QObject {
                  kBase + " and platform.idplatform = 3 and title.idtype = 10" + kDefaultRanges);
         QCOMPARE(ListedTitles(), QStringList({"Shock Wave", "Space Quest"}));
 
-        SelectNode("key3key10");
+        ClickTreeNode("key3key10");
         form->Option1[1]->setChecked(true);
         Search(form);
         QCOMPARE(gSearchSQL, kBase + " and platform.idplatform = 3" + kDefaultRanges);
 
-        SelectNode("key1");
+        ClickTreeNode("key1");
         form->Option1[0]->setChecked(true);
         Search(form);
         QCOMPARE(gSearchSQL, kBase + " and platform.idplatform = 1" + kDefaultRanges);
 
-        SelectNode("root");
+        ClickTreeNode("root");
         form->Option1[1]->setChecked(true);
         const QString before = gSearchSQL;
         dialogs.answerMsgBox(vbNo);
         Search(form);
-        QCOMPARE(dialogs.msgBoxes.size(), 1);
-        QCOMPARE(dialogs.msgBoxes[0].title, QString("Confirm"));
-        QCOMPARE(dialogs.msgBoxes[0].prompt,
-                 QString("You selected to search one category, but you have more than one in "
-                         "your view.\rDo you want to search all categories instead?"));
-        QCOMPARE(dialogs.msgBoxes[0].flags, vbYesNoCancel | vbQuestion);
+        QCOMPARE(dialogs.takeBoxes(), Boxes({kSearchAll}));
         QCOMPARE(gSearchSQL, before);
         dialogs.answerMsgBox(vbYes);
         Search(form);
+        QCOMPARE(dialogs.takeBoxes(), Boxes({kSearchAll}));
         QCOMPARE(gSearchSQL, kBase + kDefaultRanges);
         QCOMPARE(ListedTitles().size(), 5);
 
@@ -227,13 +222,7 @@ class FindTest : public QObject {
             form->Option1[option]->setEnabled(true);
             form->Option1[option]->setChecked(true);
             Search(form);
-            QCOMPARE(dialogs.msgBoxes.last().title,
-                     QString("Unable to search the search-category"));
-            QCOMPARE(dialogs.msgBoxes.last().prompt,
-                     QString("You selected to search the search-category, which is not "
-                             "possible. Please select to search all categories or select a "
-                             "different category in the main window."));
-            QCOMPARE(dialogs.msgBoxes.last().flags, int(vbCritical));
+            QCOMPARE(dialogs.takeBoxes(), Boxes({kSearchNodeRefused}));
         }
         QCOMPARE(gSearchSQL, kBase + kDefaultRanges);
     }
@@ -265,7 +254,7 @@ class FindTest : public QObject {
         ComeBackTo(form);
         QVERIFY(form->Option1[2]->isChecked());
         QVERIFY(!form->Option1[0]->isEnabled() && !form->Option1[1]->isEnabled());
-        SelectNode("key1");
+        ClickTreeNode("key1");
         ComeBackTo(form);
         QVERIFY(form->Option1[0]->isEnabled() && form->Option1[1]->isEnabled());
         QVERIFY(form->Option1[2]->isChecked());
@@ -317,14 +306,13 @@ class FindTest : public QObject {
         });
 
         // Escape on the "Confirm" box.
-        SelectNode("root");
+        ClickTreeNode("root");
         ComeBackTo(form);
         form->Option1[1]->setChecked(true);
         TypeInto(form->Text1[3], "Games");
         form->Text1[3]->setFocus();
         QTest::keyClick(form->Text1[3], Qt::Key_Return);
-        QCOMPARE(dialogs.msgBoxes.size(), 1);
-        QCOMPARE(dialogs.msgBoxes[0].title, QString("Confirm"));
+        QCOMPARE(dialogs.msgBoxes, Boxes({kSearchAll}));
         QEvent activate(QEvent::WindowActivate);
         QCoreApplication::sendEvent(form, &activate);
         QCoreApplication::sendPostedEvents(form, QEvent::MetaCall);
@@ -340,8 +328,7 @@ class FindTest : public QObject {
         form->Option1[0]->setChecked(true);
         keyInBox = Qt::Key_Return;
         QTest::keyClick(form->Text1[3], Qt::Key_Return);
-        QCOMPARE(dialogs.msgBoxes.size(), 2);
-        QCOMPARE(dialogs.msgBoxes[1].title, QString("Unable to search the search-category"));
+        QCOMPARE(dialogs.msgBoxes, Boxes({kSearchAll, kSearchNodeRefused}));
         QTest::keyRelease(form->Text1[3], Qt::Key_Return);
         QCOMPARE(dialogs.msgBoxes.size(), 2);
         QVERIFY(guard && form->isVisible());

@@ -11,15 +11,8 @@
 
 namespace {
 
-long CountRows(const QString& sql) {
-    auto rows = gDatabase->OpenRecordset(sql, dbOpenDynaset);
-    if (rows->RecordCount() > 0) rows->MoveLast();
-    return rows->RecordCount();
-}
-
-QString ValueOf(const QString& sql, const QString& field) {
-    auto rows = gDatabase->OpenRecordset(sql, dbOpenDynaset);
-    return rows->IsEOF() ? QString() : NzText(rows->Fields(field).Value());
+QString TitleName(int idcd) {
+    return Scalar("select nmcd from title where idcd = " + QString::number(idcd)).toString();
 }
 
 struct MenuState {
@@ -132,30 +125,27 @@ class CommandsTest : public QObject {
     }
 
     void helpOpensThePageOrSaysWhereItIs() {
+        const QString page = folder_->file("velmora.html");
         form()->Toolbar1_ButtonClick("help");
-        QCOMPARE(dialogs_->prompts(),
-                 QStringList({"The help page " + folder_->file("velmora.html") + " is missing."}));
-        dialogs_->msgBoxes.clear();
+        QCOMPARE(dialogs_->takeBoxes(),
+                 Boxes({{"The help page " + page + " is missing.", vbExclamation, "Velmora"}}));
 
-        QVERIFY(QFile::copy(testsupport::HelpFolder() + "/velmora.html",
-                            folder_->file("velmora.html")));
+        QVERIFY(QFile::copy(testsupport::HelpFolder() + "/velmora.html", page));
         QList<QUrl> opened;
         SetDocumentOpener([&opened](const QUrl& url) {
             opened << url;
             return true;
         });
         form()->Toolbar1_ButtonClick("help");
-        QCOMPARE(opened, QList<QUrl>({QUrl::fromLocalFile(folder_->file("velmora.html"))}));
+        QCOMPARE(opened, QList<QUrl>({QUrl::fromLocalFile(page)}));
         QVERIFY(dialogs_->msgBoxes.isEmpty());
 
         SetDocumentOpener([](const QUrl&) { return false; });
         form()->Toolbar1_ButtonClick("help");
         SetDocumentOpener({});
-        QCOMPARE(dialogs_->msgBoxes.size(), 1);
-        QCOMPARE(dialogs_->msgBoxes[0].prompt,
-                 "No browser could open the help page. You can open it yourself: " +
-                     folder_->file("velmora.html"));
-        QCOMPARE(dialogs_->msgBoxes[0].flags, 64);
+        QCOMPARE(dialogs_->takeBoxes(),
+                 Boxes({{"No browser could open the help page. You can open it yourself: " + page,
+                         vbInformation, "Velmora"}}));
     }
 
     void toolbarButtonsInOrderWithCaptionsAndTooltips() {
@@ -181,10 +171,7 @@ class CommandsTest : public QObject {
         QCOMPARE(bar->iconSize(), QSize(24, 24));
 
         form()->Toolbar1_ButtonClick("coolbar");
-        QCOMPARE(dialogs_->msgBoxes.size(), 1);
-        QCOMPARE(dialogs_->msgBoxes[0].prompt, QString("Invalid option!"));
-        QCOMPARE(dialogs_->msgBoxes[0].flags, 16);
-        QCOMPARE(dialogs_->msgBoxes[0].title, QString("Coolbar"));
+        QCOMPARE(dialogs_->takeBoxes(), Boxes({{"Invalid option!", vbCritical, "Coolbar"}}));
     }
 
     void toolbarCommandsWaitForTheArrow() {
@@ -310,25 +297,18 @@ class CommandsTest : public QObject {
         const int row = form()->ListIndexOfKey("id1");
         SelectListRow(row);
 
-        dialogs_->answerMsgBox(vbNo);
-        PressKey(form()->ListView1, form()->ListView1, Qt::Key_Delete);
-        QCOMPARE(dialogs_->msgBoxes.size(), 1);
-        QCOMPARE(dialogs_->msgBoxes[0].prompt,
-                 QString("Are you sure you want to delete Blue Harbour?"));
-        QCOMPARE(dialogs_->msgBoxes[0].flags, 35);
-        QCOMPARE(dialogs_->msgBoxes[0].title, QString("Confirm CD delete"));
-        QCOMPARE(form()->ListItemCount(), 2);
-        QCOMPARE(CountRows("select * from title"), 2L);
-
-        dialogs_->answerMsgBox(vbYes);
-        PressKey(form()->ListView1, form()->ListView1, Qt::Key_Delete);
-        QCOMPARE(dialogs_->msgBoxes.size(), 2);
-        QCOMPARE(form()->ListItemCount(), 1);
+        const MsgBoxCall confirm{"Are you sure you want to delete Blue Harbour?",
+                                 vbYesNoCancel + vbQuestion, "Confirm CD delete"};
+        for (int answer : {vbNo, vbYes}) {
+            dialogs_->answerMsgBox(answer);
+            PressKey(form()->ListView1, form()->ListView1, Qt::Key_Delete);
+            QCOMPARE(dialogs_->takeBoxes(), Boxes({confirm}));
+            QCOMPARE(form()->ListItemCount(), answer == vbNo ? 2 : 1);
+            QCOMPARE(RowCount("title"), answer == vbNo ? 2L : 1L);
+        }
         QCOMPARE(form()->ListIndexOfKey("id1"), -1);
         QCOMPARE(gCurrentTitleId, 1L);
-        QCOMPARE(CountRows("select * from title where idcd = 1"), 0L);
-        QCOMPARE(CountRows("select * from Tracks where idcd = 1"), 0L);
-        QCOMPARE(CountRows("select * from title where idcd = 2"), 1L);
+        QCOMPARE(RowCount("title where idcd = 1") + RowCount("Tracks where idcd = 1"), 0L);
         QCOMPARE(form()->PanelText(2), countBefore);
 
         // A catalogue that refuses the delete keeps the title and its row.
@@ -338,12 +318,13 @@ class CommandsTest : public QObject {
         dialogs_->answerMsgBox(vbYes);
         PressKey(form()->ListView1, form()->ListView1, Qt::Key_Delete);
         gDatabase->Execute("drop trigger kept");
-        QCOMPARE(dialogs_->msgBoxes.size(), 4);
-        QCOMPARE(dialogs_->msgBoxes[3].prompt,
-                 QString("Error occured when trying to delete Quiet Fields"));
-        QCOMPARE(dialogs_->msgBoxes[3].flags, int(vbCritical));
+        QCOMPARE(
+            dialogs_->takeBoxes(),
+            Boxes({{"Are you sure you want to delete Quiet Fields?", vbYesNoCancel + vbQuestion,
+                    "Confirm CD delete"},
+                   {"Error occured when trying to delete Quiet Fields", vbCritical, "Velmora"}}));
         QCOMPARE(form()->ListItemCount(), 1);
-        QCOMPARE(CountRows("select * from title where idcd = 2"), 1L);
+        QCOMPARE(RowCount("title where idcd = 2"), 1L);
     }
 
     void renameTitleCancelAndCutToTheColumn() {
@@ -353,41 +334,39 @@ class CommandsTest : public QObject {
 
         dialogs_->answerInput(QString());
         PressKey(form()->ListView1, form()->ListView1, Qt::Key_F2);
-        QCOMPARE(dialogs_->inputs.size(), 1);
-        QCOMPARE(dialogs_->inputs[0].prompt,
-                 QString("Please enter a new title for CD Quiet Fields\r\n(Max.Length = 150)"));
-        QCOMPARE(dialogs_->inputs[0].title, QString("Rename CD-title"));
-        QCOMPARE(dialogs_->inputs[0].defaultText, QString("Quiet Fields"));
-        QCOMPARE(ValueOf("select * from title where idcd = 2", "nmcd"), QString("Quiet Fields"));
+        QCOMPARE(
+            dialogs_->inputs,
+            QList<InputBoxCall>({{"Please enter a new title for CD Quiet Fields\r\n(Max.Length "
+                                  "= 150)",
+                                  "Rename CD-title", "Quiet Fields"}}));
+        QCOMPARE(TitleName(2), QString("Quiet Fields"));
         QCOMPARE(form()->ListItemText(form()->ListIndexOfKey("id2")), QString("Quiet Fields"));
 
         const QString longName = QString(160, 'x') + "yz";
         dialogs_->answerInput("  " + longName + "  ");
         form()->mnuRenameCD->trigger();
-        QCOMPARE(ValueOf("select * from title where idcd = 2", "nmcd"), longName.left(150));
+        QCOMPARE(TitleName(2), longName.left(150));
         QCOMPARE(form()->ListItemText(form()->ListIndexOfKey("id2")), longName.left(150));
-        QCOMPARE(ValueOf("select * from title where idcd = 1", "nmcd"), QString("Blue Harbour"));
+        QCOMPARE(TitleName(1), QString("Blue Harbour"));
         QVERIFY(dialogs_->msgBoxes.isEmpty());
 
         // The title left the catalogue while its row was still listed.
         gDatabase->Execute("delete from title where idcd = 2");
         dialogs_->answerInput("Late");
         form()->mnuRenameCD->trigger();
-        QCOMPARE(dialogs_->prompts(), QStringList("Error renaming CD-title to Late"));
-        QCOMPARE(dialogs_->msgBoxes[0].flags, int(vbOKOnly));
+        QCOMPARE(dialogs_->takeBoxes(),
+                 Boxes({{"Error renaming CD-title to Late", vbOKOnly, "Velmora"}}));
     }
 
     void deletingABuiltInPlatformIsRefused() {
         const int nodesBefore = form()->NodeCount();
         RightClickTree(NodePoint(NodeWithKey("key2")), form()->mnuDeleteFolder);
-        QCOMPARE(dialogs_->msgBoxes.size(), 1);
-        QCOMPARE(dialogs_->msgBoxes[0].title, QString("Unable to delete platform"));
-        QCOMPARE(dialogs_->msgBoxes[0].prompt,
-                 QString("These folders cannot be deleted since they are a part of the "
-                         "program.\r\nYou can however 'hide' this platform."));
-        QCOMPARE(dialogs_->msgBoxes[0].flags & 0x70, int(vbInformation));
+        QCOMPARE(dialogs_->takeBoxes(),
+                 Boxes({{"These folders cannot be deleted since they are a part of the "
+                         "program.\r\nYou can however 'hide' this platform.",
+                         vbInformation, "Unable to delete platform"}}));
         QCOMPARE(form()->NodeCount(), nodesBefore);
-        QCOMPARE(CountRows("select * from platform where idplatform = 2"), 1L);
+        QCOMPARE(RowCount("platform where idplatform = 2"), 1L);
     }
 
     void hidingTheSelectedPlatformRemovesItsNode() {
@@ -396,12 +375,11 @@ class CommandsTest : public QObject {
 
         dialogs_->answerMsgBox(vbNo);
         RightClickTree(NodePoint(NodeWithKey("key1")), form()->mnuHideFolder);
-        QCOMPARE(dialogs_->msgBoxes[0].prompt,
-                 QString("Are you sure you want to hide this platform?\r\n\r\nAudio"));
-        QCOMPARE(dialogs_->msgBoxes[0].flags, 35);
-        QCOMPARE(dialogs_->msgBoxes[0].title, QString("Hide platform"));
+        const MsgBoxCall hide{"Are you sure you want to hide this platform?\r\n\r\nAudio",
+                              vbYesNoCancel + vbQuestion, "Hide platform"};
+        QCOMPARE(dialogs_->takeBoxes(), Boxes({hide}));
         QCOMPARE(form()->NodeCount(), nodesBefore);
-        QCOMPARE(ValueOf("select * from platform where idplatform = 1", "visible"), QString("1"));
+        QCOMPARE(Scalar("select visible from platform where idplatform = 1").toInt(), 1);
 
         dialogs_->answerMsgBox(vbYes);
         int indexWhileMenuUp = -1;
@@ -412,9 +390,10 @@ class CommandsTest : public QObject {
         RightClick(form()->TV1, NodePoint(NodeWithKey("key1")));
         form()->PopupMenuHook = {};
         QCOMPARE(indexWhileMenuUp, 0);
+        QCOMPARE(dialogs_->takeBoxes(), Boxes({hide}));
         QVERIFY(!NodeWithKey("key1"));
         QVERIFY(form()->NodeCount() < nodesBefore);
-        QCOMPARE(ValueOf("select * from platform where idplatform = 1", "visible"), QString("0"));
+        QCOMPARE(Scalar("select visible from platform where idplatform = 1").toInt(), 0);
     }
 
     // The list's menu is for the row under the pointer, also when the button comes up while
@@ -451,7 +430,7 @@ class CommandsTest : public QObject {
         PressKey(form()->TV1, form()->TV1, Qt::Key_Control);
         PressKey(form()->ListView1, form()->TV1, Qt::Key_Delete);
         QVERIFY(dialogs_->msgBoxes.isEmpty());
-        QCOMPARE(CountRows("select * from title"), 2L);
+        QCOMPARE(RowCount("title"), 2L);
 
         // A key-down in a box, let go over the tree or the list, is no command there.
         testsupport::PressKeyInAnotherWindow(Qt::Key_Delete);

@@ -49,8 +49,7 @@ QWidget* ChooseWindow(QRandomGenerator& random) {
 }
 
 QByteArray Header(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.read(15) : QByteArray();
+    return ReadBytes(path, 15);
 }
 
 void ActOn(QWidget* target, QRandomGenerator& random) {

@@ -1,17 +1,26 @@
-// A real start and exit of the program in a temporary program folder.
+// A real start and exit of the program in a temporary program folder; the start's upgrade of a
+// catalogue from an older version whose label column is narrow; and two programs on one
+// catalogue folder, as two processes: the second start, in either order and during the first
+// one's exit, raises the first and never touches the catalogue.
 
 #include <sqlite3.h>
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QScreen>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobals.h"
+#include "shell/submain.h"
+#include "shell/terminationsignals.h"
 #include "store/catalogue.h"
+#include "store/fieldsizes.h"
 #include "store/guardedfile.h"
+#include "store/jettext.h"
 #include "store/passwordcheck.h"
 #include "support/testsupport.h"
 #include "toolkit/mRegistry.h"
@@ -19,10 +28,88 @@
 
 namespace {
 
-QByteArray Head(const QString& path, int length = 100) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    return file.read(length);
+QByteArray Head(const QString& path) {
+    return ReadBytes(path, 100);
+}
+
+MsgBoxCall UnableToLoad(const QString& catalogue) {
+    return {"Unable to load Velmora!. The database " + catalogue +
+                " might be inappropriate for this version or is corrupted.\r\nPlease see the "
+                "support-section on http://www.dorviksoftware.example for troubleshooting.",
+            vbCritical, "Velmora"};
+}
+
+const MsgBoxCall kPasswordRefusedAtExit{"3031|Not a valid password.\t", vbCritical,
+                                        "Error compacting database"};
+
+const QString kTwentyWide = "ABCDEFGHIJKLMNOPQRST";
+
+// Rebuilds the label column of the file at 20 wide, as an older version made it, and files
+// three titles: a full label, a Null label and the empty text mark.
+void MakeNarrowLabelCatalogue(const QString& path, bool leaveTemporaryColumn) {
+    sqlite3* db = nullptr;
+    QCOMPARE(sqlite3_open(QFile::encodeName(path).constData(), &db), SQLITE_OK);
+    jettext::Register(db);
+    const char* script =
+        "ALTER TABLE title DROP COLUMN label;"
+        "ALTER TABLE title ADD COLUMN label TEXT(20) CONSTRAINT width_label CHECK "
+        "(length(label) <= 20);"
+        "INSERT INTO title (idcd, nmcd, idvendor, idplatform, idtype, idspecific, idmediatype, "
+        "label) VALUES (1, 'Full', 1, 1, 1, 1, 1, 'ABCDEFGHIJKLMNOPQRST'),"
+        "(2, 'Null', 1, 1, 1, 1, 1, NULL), (3, 'Mark', 1, 1, 1, 1, 1, char(0));";
+    QCOMPARE(sqlite3_exec(db, script, nullptr, nullptr, nullptr), SQLITE_OK);
+    if (leaveTemporaryColumn)
+        QCOMPARE(sqlite3_exec(db, "ALTER TABLE title ADD COLUMN templabel TEXT(32)", nullptr,
+                              nullptr, nullptr),
+                 SQLITE_OK);
+    sqlite3_close(db);
+}
+
+// The labels in idcd order, and the width the file declares for the column.
+QPair<QVariantList, int> Labels() {
+    auto titles = gDatabase->OpenRecordset("select idcd, label from title order by idcd");
+    QVariantList labels;
+    const int width = titles->Fields("label").Size();
+    for (; !titles->IsEOF(); titles->MoveNext()) labels << titles->Fields("label").Value();
+    return {labels, width};
+}
+
+QString LastColumnOfTitle() {
+    auto titles = gDatabase->OpenRecordset("select * from title");
+    return titles->Fields(titles->FieldCount() - 1).Name();
+}
+
+// The program itself, started as a process of its own on folder: it tells when it runs and
+// every box it was asked, and ends on SIGTERM through its exit.
+int RunProgram(const QString& folder) {
+    App.Path = folder;
+    QApplication::setQuitOnLastWindowClosed(false);
+    SetMsgBoxResponder([](const MsgBoxCall& call) {
+        std::printf("box: %s\n", qPrintable(call.prompt));
+        std::fflush(stdout);
+        return int(vbCancel);
+    });
+    TerminationSignals terminationSignals;
+    // The start-up spins the event loop before the catalogue is open; the line comes once it is.
+    auto* watch = new QTimer(qApp);
+    QObject::connect(watch, &QTimer::timeout, [watch] {
+        if (!gDatabase || !gMainForm || !gMainForm->isVisible()) return;
+        watch->stop();
+        std::printf("running\n");
+        std::fflush(stdout);
+    });
+    watch->start(20);
+    return SubMain();
+}
+
+// Starts the program on folder with a TMPDIR of its own.
+std::unique_ptr<QProcess> StartProgramProcess(const QString& folder, const QString& temp) {
+    auto process = std::make_unique<QProcess>();
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("TMPDIR", temp);
+    process->setProcessEnvironment(environment);
+    process->start(QCoreApplication::applicationFilePath(), {"--program", folder});
+    return process;
 }
 
 }  // namespace
@@ -39,11 +126,10 @@ class StartupTest : public QObject {
     }
 
     void readOnlyProgramFolderKeepsTheCatalogueInTheUsersDataFolder() {
-        TempProgramFolder& folder = *folder_;
-        folder.installTemplate();
-        QFile::copy(testsupport::HelpFolder() + "/velmora.html", folder.file("velmora.html"));
-        const QFile::Permissions writable = QFile(folder.path()).permissions();
-        QFile(folder.path()).setPermissions(writable & ~(QFile::WriteOwner | QFile::WriteUser));
+        folder_->installTemplate();
+        QFile::copy(testsupport::HelpFolder() + "/velmora.html", folder_->file("velmora.html"));
+        const QFile::Permissions writable = QFile(folder_->path()).permissions();
+        QFile(folder_->path()).setPermissions(writable & ~(QFile::WriteOwner | QFile::WriteUser));
         const QString dataFolder =
             QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/velmora";
         ScriptedDialogs dialogs;
@@ -52,10 +138,10 @@ class StartupTest : public QObject {
         QVERIFY(gDatabase);
         QCOMPARE(gDatabasePath, dataFolder + "/data.gdb");
         EndProgram();
-        QFile(folder.path()).setPermissions(writable);
+        QFile(folder_->path()).setPermissions(writable);
 
         QVERIFY(dialogs.msgBoxes.isEmpty());
-        QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::NoDotAndDotDot),
+        QCOMPARE(QDir(folder_->path()).entryList(QDir::Files | QDir::NoDotAndDotDot),
                  QStringList({"data.dll", "velmora.html"}));
         QCOMPARE(Head(dataFolder + "/data.gdb").left(15), QByteArray("SQLite format F"));
         QVERIFY(!QFile::exists(dataFolder + "/data.compacted"));
@@ -63,35 +149,37 @@ class StartupTest : public QObject {
     }
 
     void installsMissingCatalogueAndGuardsItAtExit() {
-        TempProgramFolder& folder = *folder_;
-        folder.installTemplate();
+        folder_->installTemplate();
         ScriptedDialogs dialogs;
 
         frmMain* window = StartProgram();
         QVERIFY(window);
         QVERIFY(gDatabase);
         QVERIFY(dialogs.msgBoxes.isEmpty());
-        QCOMPARE(gDatabasePath, folder.file("data.gdb"));
+        QCOMPARE(gDatabasePath, folder_->file("data.gdb"));
         QCOMPARE(GetAttr(gDatabasePath), int(vbArchive));
         QVERIFY(window->isVisible());
         QCOMPARE(gSplashForm->Status(), QString("Brings you only the best"));
         QVERIFY(gSplashForm->Timer->isActive());
 
         QVERIFY(Head(gDatabasePath).startsWith("SQLite format 3"));
+        // A catalogue made at the present width keeps its label column where it is.
+        QCOMPARE(gLenLabel, 32);
+        QVERIFY(LastColumnOfTitle() != "label");
         EndProgram();
 
         // The exit compacts the file and then changes exactly one byte of it to guard it.
         QVERIFY(!gDatabase);
-        QVERIFY(!QFile::exists(folder.file("data.compacted")));
-        const QByteArray closed = Head(folder.file("data.gdb"));
+        QVERIFY(!QFile::exists(folder_->file("data.compacted")));
+        const QByteArray closed = Head(folder_->file("data.gdb"));
         QCOMPARE(closed.size(), 100);
         QCOMPARE(closed.at(14), char(0x46));
-        FlipDatabaseHeader(folder.file("data.gdb"), kUnguardHeader);
-        const QByteArray usable = Head(folder.file("data.gdb"));
+        FlipDatabaseHeader(folder_->file("data.gdb"), kUnguardHeader);
+        const QByteArray usable = Head(folder_->file("data.gdb"));
         for (int offset = 0; offset < 100; ++offset)
             if (offset != 14) QCOMPARE(closed.at(offset), usable.at(offset));
-        FlipDatabaseHeader(folder.file("data.gdb"), kGuardHeader);
-        QCOMPARE(Head(folder.file("data.gdb")), closed);
+        FlipDatabaseHeader(folder_->file("data.gdb"), kGuardHeader);
+        QCOMPARE(Head(folder_->file("data.gdb")), closed);
 
         const QString key = "HKEY_LOCAL_MACHINE\\Software\\Dorvik Software\\Velmora";
         QCOMPARE(GetRegistryValue(key, "AppPath"), App.Path);
@@ -102,57 +190,53 @@ class StartupTest : public QObject {
         QVERIFY(gDatabase);
         gDatabase->Close();
         gDatabase.reset();
-        FlipDatabaseHeader(folder.file("data.gdb"), kUnguardHeader);
+        FlipDatabaseHeader(folder_->file("data.gdb"), kUnguardHeader);
         gMainForm->SetMousePointer(vbArrow);
         gMainForm->Unload();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        FlipDatabaseHeader(folder.file("data.gdb"), kUnguardHeader);
+        FlipDatabaseHeader(folder_->file("data.gdb"), kUnguardHeader);
         QVERIFY(StartProgram());
         QVERIFY(gDatabase);
         QVERIFY(dialogs.msgBoxes.isEmpty());
     }
 
     void missingTemplateEndsWithTheInstallBox() {
-        TempProgramFolder& folder = *folder_;
         ScriptedDialogs dialogs;
 
         QVERIFY(!StartProgram());
         QVERIFY(!gDatabase);
         QCOMPARE(dialogs.msgBoxes.size(), 2);
-        QCOMPARE(dialogs.msgBoxes[0].prompt, "Database could not be installed, because the file " +
-                                                 folder.file("data.dll") + " is missing.");
-        QCOMPARE(dialogs.msgBoxes[0].title, QString("Unable to initialize Velmora Database."));
-        QCOMPARE(dialogs.msgBoxes[0].flags, int(vbCritical));
+        const QString dll = folder_->file("data.dll");
+        QCOMPARE(
+            dialogs.msgBoxes[0],
+            MsgBoxCall({"Database could not be installed, because the file " + dll + " is missing.",
+                        vbCritical, "Unable to initialize Velmora Database."}));
         // The exit still tries its compaction, which finds no file.
         QCOMPARE(dialogs.msgBoxes[1].title, QString("Error compacting database"));
         QVERIFY(dialogs.msgBoxes[1].prompt.startsWith("3024|"));
-        QVERIFY(!QFile::exists(folder.file("data.gdb")));
-        QVERIFY(!QFile::exists(folder.file("data.compacted")));
+        QVERIFY(!QFile::exists(folder_->file("data.gdb")));
+        QVERIFY(!QFile::exists(folder_->file("data.compacted")));
     }
 
     void readOnlyCatalogueAsksOnce() {
-        TempProgramFolder& folder = *folder_;
-        folder.installCatalogue();
-        const QString path = folder.file("data.gdb");
-
+        folder_->installCatalogue();
+        const QString path = folder_->file("data.gdb");
+        const MsgBoxCall accessible{
+            "Velmora cannot access the database in its current state. Do "
+            "you want Velmora to make it accessible?",
+            vbYesNoCancel + vbQuestion, "Unable to access database"};
         {
             SetAttr(path, vbReadOnly);
             ScriptedDialogs dialogs;
             dialogs.answerMsgBox(vbNo);
             QVERIFY(!StartProgram());
-            QCOMPARE(dialogs.msgBoxes.size(), 3);
-            QCOMPARE(dialogs.msgBoxes[0].prompt,
-                     QString("Velmora cannot access the database in its current state. Do you "
-                             "want Velmora to make it accessible?"));
-            QCOMPARE(dialogs.msgBoxes[0].title, QString("Unable to access database"));
-            QCOMPARE(dialogs.msgBoxes[0].flags, 35);
-            QCOMPARE(dialogs.msgBoxes[1].prompt,
-                     "Unable to open the database " + path + " since it is read-only.");
-            QCOMPARE(dialogs.msgBoxes[1].flags, int(vbCritical));
             // The password is only assigned on the way to opening, so the exit's compaction of
             // the refused file is refused in turn; the guard still takes the file back.
-            QCOMPARE(dialogs.msgBoxes[2].prompt, QString("3031|Not a valid password.\t"));
-            QCOMPARE(dialogs.msgBoxes[2].title, QString("Error compacting database"));
+            QCOMPARE(dialogs.takeBoxes(),
+                     Boxes({accessible,
+                            {"Unable to open the database " + path + " since it is read-only.",
+                             vbCritical, "Unable to initialize Velmora Database."},
+                            kPasswordRefusedAtExit}));
             QCOMPARE(GetAttr(path), int(vbArchive));
             QCOMPARE(Head(path).left(15), QByteArray("SQLite format F"));
         }
@@ -161,83 +245,48 @@ class StartupTest : public QObject {
             ScriptedDialogs dialogs;
             dialogs.answerMsgBox(vbYes);
             QVERIFY(StartProgram());
-            QCOMPARE(dialogs.msgBoxes.size(), 1);
+            QCOMPARE(dialogs.takeBoxes(), Boxes({accessible}));
             QVERIFY(gDatabase);
             QCOMPARE(GetAttr(path), int(vbArchive));
         }
     }
 
     void wrongPasswordShowsBothBoxesAndEnds() {
-        TempProgramFolder& folder = *folder_;
-        folder.installCatalogue();
+        folder_->installCatalogue();
         sqlite3* db = nullptr;
-        QCOMPARE(sqlite3_open(folder.file("data.gdb").toUtf8().constData(), &db), SQLITE_OK);
+        QCOMPARE(sqlite3_open(folder_->file("data.gdb").toUtf8().constData(), &db), SQLITE_OK);
         passwordcheck::Write(db, "someone else's password");
         sqlite3_close(db);
 
         ScriptedDialogs dialogs;
         QVERIFY(!StartProgram());
         QVERIFY(!gDatabase);
-        QCOMPARE(dialogs.msgBoxes.size(), 3);
-        QCOMPARE(dialogs.msgBoxes[0].prompt, QString("Not a valid password."));
-        QCOMPARE(dialogs.msgBoxes[0].flags, 0);
-        QCOMPARE(dialogs.msgBoxes[1].prompt,
-                 "Unable to load Velmora!. The database " + folder.file("data.gdb") +
-                     " might be inappropriate for this version or is corrupted.\r\nPlease see "
-                     "the support-section on http://www.dorviksoftware.example for "
-                     "troubleshooting.");
-        QCOMPARE(dialogs.msgBoxes[1].flags, int(vbCritical));
-        QCOMPARE(dialogs.msgBoxes[1].title, QString("Velmora"));
         // The exit compacts as usual, and the engine refuses the password there too.
-        QCOMPARE(dialogs.msgBoxes[2].prompt, QString("3031|Not a valid password.\t"));
-        QCOMPARE(dialogs.msgBoxes[2].title, QString("Error compacting database"));
+        QCOMPARE(dialogs.takeBoxes(), Boxes({{"Not a valid password.", vbOKOnly, "Velmora"},
+                                             UnableToLoad(folder_->file("data.gdb")),
+                                             kPasswordRefusedAtExit}));
         // The run still ends through the exit, which guards the file again.
-        QCOMPARE(Head(folder.file("data.gdb")).at(14), char(0x46));
-    }
-
-    void secondInstanceRaisesTheFirstAndLeavesTheFileAlone() {
-        TempProgramFolder& folder = *folder_;
-        folder.installTemplate();
-        ScriptedDialogs dialogs;
-
-        frmMain* first = StartProgram();
-        QVERIFY(first);
-        first->showMinimized();
-        const QByteArray running = Head(folder.file("data.gdb"));
-
-        auto* second = new frmMain();
-        gMainForm = second;
-        second->Form_Load();
-        QVERIFY(gSecondInstance);
-        QVERIFY(second->IsUnloaded());
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QCOMPARE(Head(folder.file("data.gdb")), running);
-        QTRY_VERIFY(!first->isMinimized());
-
-        gSecondInstance = false;
-        gMainForm = first;
+        QCOMPARE(Head(folder_->file("data.gdb")).at(14), char(0x46));
     }
 
     void textColumnWiderThanAByteOverflowsAtStart() {
-        TempProgramFolder& folder = *folder_;
-        folder.openCatalogue();
+        folder_->openCatalogue();
         gDatabase->Execute("ALTER TABLE title ADD COLUMN templabel TEXT (300)");
         gDatabase->Execute("ALTER TABLE title DROP COLUMN label");
         gDatabase->Execute("ALTER TABLE title RENAME COLUMN templabel TO label");
-        folder.closeCatalogue();
+        folder_->closeCatalogue();
         ScriptedDialogs dialogs;
 
         QVERIFY(!StartProgram());
         QVERIFY(!gDatabase);
         QVERIFY(dialogs.msgBoxes.size() >= 2);
-        QCOMPARE(dialogs.msgBoxes[0].prompt, QString("Overflow"));
-        QVERIFY(dialogs.msgBoxes[1].prompt.startsWith("Unable to load Velmora!. The database "));
-        QCOMPARE(Head(folder.file("data.gdb")).left(15), QByteArray("SQLite format F"));
+        QCOMPARE(dialogs.msgBoxes[0], MsgBoxCall({"Overflow", vbOKOnly, "Velmora"}));
+        QCOMPARE(dialogs.msgBoxes[1], UnableToLoad(folder_->file("data.gdb")));
+        QCOMPARE(Head(folder_->file("data.gdb")).left(15), QByteArray("SQLite format F"));
     }
 
     void busyWindowRefusesToCloseAndKeepsItsLimits() {
-        TempProgramFolder& folder = *folder_;
-        folder.installTemplate();
+        folder_->installTemplate();
         ScriptedDialogs dialogs;
         frmMain* window = StartProgram();
         QVERIFY(window);
@@ -254,9 +303,140 @@ class StartupTest : public QObject {
         QTRY_VERIFY(window->frameGeometry().height() * 15 >= 490);
     }
 
+    void narrowLabelIsWidenedOnceKeepingEveryValue() {
+        folder_->installCatalogue();
+        MakeNarrowLabelCatalogue(folder_->file("data.gdb"), false);
+        ScriptedDialogs dialogs;
+
+        StartProgram();
+        QVERIFY2(gMainForm, qPrintable(dialogs.prompts().join(" / ")));
+        // The editor keeps the old limit for this run; the file already has the new width.
+        QCOMPARE(gLenLabel, 20);
+        auto [labels, width] = Labels();
+        QCOMPARE(width, 32);
+        QCOMPARE(labels.size(), 3);
+        QCOMPARE(labels[0].toString(), kTwentyWide);
+        QVERIFY(labels[1].isNull());
+        QCOMPARE(labels[2].toString(), kEmptyTextMark);
+        QCOMPARE(LastColumnOfTitle(), QString("label"));
+        QVERIFY_THROWS_EXCEPTION(VbError, gDatabase->OpenRecordset("select templabel from title"));
+        gDatabase->Execute("update title set label = '" + kTwentyWide +
+                           "123456789012' where idcd = 2");
+        EndProgram();
+
+        StartProgram();
+        QVERIFY(gMainForm);
+        QCOMPARE(gLenLabel, 32);
+        std::tie(labels, width) = Labels();
+        QCOMPARE(labels[1].toString(), kTwentyWide + "123456789012");
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+        EndProgram();
+    }
+
+    void leftoverTemporaryColumnEndsTheStart() {
+        folder_->installCatalogue();
+        MakeNarrowLabelCatalogue(folder_->file("data.gdb"), true);
+        ScriptedDialogs dialogs;
+        StartProgram();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!gMainForm);
+        QCOMPARE(dialogs.msgBoxes.size(), 2);
+        QCOMPARE(dialogs.msgBoxes[1], UnableToLoad(folder_->file("data.gdb")));
+        QVERIFY(QFile::exists(folder_->file("data.gdb")));
+    }
+
   private:
     std::unique_ptr<TempProgramFolder> folder_;
 };
 
-VELMORA_TEST_MAIN(StartupTest)
+class InstanceTest : public QObject {
+    Q_OBJECT
+  private slots:
+    void cleanup() {
+        EndProgram();
+        gSecondInstance = false;
+    }
+
+    void startWhileThisOneRunsRaisesItAndEnds() {
+        TempProgramFolder folder;
+        folder.installTemplate();
+        ScriptedDialogs dialogs;
+        frmMain* first = StartProgram();
+        QVERIFY(first && gDatabase);
+        first->showMinimized();
+        const QByteArray running = Head(folder.file("data.gdb")).left(15);
+
+        QTemporaryDir otherTemp;
+        auto second = StartProgramProcess(folder.path(), otherTemp.path());
+        QTRY_VERIFY_WITH_TIMEOUT(second->state() == QProcess::NotRunning, 20000);
+        QCOMPARE(second->exitStatus(), QProcess::NormalExit);
+        QCOMPARE(second->exitCode(), 0);
+        QCOMPARE(second->readAllStandardOutput(), QByteArray());
+        QTRY_VERIFY(!first->isMinimized());
+
+        QCOMPARE(Head(folder.file("data.gdb")).left(15), running);
+        QVERIFY(!QFile::exists(folder.file("data.compacted")));
+        gDatabase->Execute("update platform set visible = true");
+        EndProgram();
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+        QCOMPARE(Head(folder.file("data.gdb")).left(15), QByteArray("SQLite format F"));
+    }
+
+    void startsWhileTheOtherRunsOrExitsLeaveItsCatalogueAlone() {
+        TempProgramFolder folder;
+        folder.installTemplate();
+        QTemporaryDir otherTemp;
+        auto first = StartProgramProcess(folder.path(), otherTemp.path());
+        QTRY_VERIFY_WITH_TIMEOUT(first->canReadLine() || first->state() == QProcess::NotRunning,
+                                 20000);
+        QCOMPARE(first->readLine(), QByteArray("running\n"));
+
+        ScriptedDialogs dialogs;
+        QVERIFY(!StartProgram());
+        QVERIFY(gSecondInstance);
+        QVERIFY(!gDatabase);
+
+        // Its exit compacts for at least 680 ms; every start meanwhile is a second one.
+        first->terminate();
+        int startsDuringExit = 0;
+        while (first->state() != QProcess::NotRunning) {
+            gSecondInstance = false;
+            // The other may have ended before this process has heard of it; then the folder is
+            // rightly free.
+            if (StartProgram()) {
+                QVERIFY2(first->state() == QProcess::NotRunning || first->waitForFinished(5000),
+                         "a start during the other's exit took the catalogue");
+                EndProgram();
+                break;
+            }
+            QVERIFY2(gSecondInstance, "a start during the other's exit took the catalogue");
+            QVERIFY(!gDatabase);
+            ++startsDuringExit;
+            QTest::qWait(40);
+        }
+        QVERIFY(startsDuringExit >= 2);
+        QCOMPARE(first->exitCode(), 0);
+        QCOMPARE(first->readAllStandardOutput(), QByteArray());
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+        QCOMPARE(Head(folder.file("data.gdb")).left(15), QByteArray("SQLite format F"));
+        QVERIFY(!QFile::exists(folder.file("data.compacted")));
+
+        // Once it has ended, the folder is free.
+        gSecondInstance = false;
+        QVERIFY(StartProgram());
+        QVERIFY(gDatabase);
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+    }
+};
+
+int main(int argc, char** argv) {
+    testsupport::PrepareEnvironment();
+    QApplication app(argc, argv);
+    app.setAttribute(Qt::AA_Use96Dpi, true);
+    InitResources();
+    if (argc == 3 && QByteArray(argv[1]) == "--program") return RunProgram(argv[2]);
+    StartupTest startup;
+    InstanceTest instances;
+    return QTest::qExec(&startup, argc, argv) | QTest::qExec(&instances, argc, argv);
+}
 #include "startup_test.moc"

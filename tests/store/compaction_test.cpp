@@ -17,15 +17,7 @@
 namespace {
 
 QByteArray FileHead(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    return file.read(15);
-}
-
-long TitleCount() {
-    auto titles = gDatabase->OpenRecordset("select * from title", dbOpenDynaset);
-    if (!titles->IsEOF()) titles->MoveLast();
-    return titles->RecordCount();
+    return ReadBytes(path, 15);
 }
 
 void AddTitle(int idcd, const QString& memo) {
@@ -56,21 +48,14 @@ class CompactionTest : public QObject {
         QCOMPARE(CompactInto(gDatabasePath, target, gDatabasePassword), QString());
         QVERIFY(QFileInfo(target).size() < QFileInfo(gDatabasePath).size());
 
-        const QByteArray compacted = [&] {
-            QFile file(target);
-            file.open(QIODevice::ReadOnly);
-            return file.readAll();
-        }();
+        const QByteArray compacted = ReadBytes(target);
         const QString errors = CompactInto(gDatabasePath, target, gDatabasePassword);
         QVERIFY2(kEngineErrors.match(errors).hasMatch(), qPrintable(errors));
         QVERIFY(errors.startsWith("3204|"));
-        QFile file(target);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), compacted);
-        file.close();
+        QCOMPARE(ReadBytes(target), compacted);
 
         gDatabase = DBEngine::OpenDatabase(target, true, false, ";pwd=" + gDatabasePassword);
-        QCOMPARE(TitleCount(), 10L);
+        QCOMPARE(RowCount("title"), 10L);
         folder.closeCatalogue();
         QVERIFY_THROWS_EXCEPTION(VbError,
                                  DBEngine::OpenDatabase(target, true, false, ";pwd=another"));
@@ -80,16 +65,12 @@ class CompactionTest : public QObject {
         TempProgramFolder folder;
         folder.installCatalogue();
         const QString leftover = folder.file("data.compacted");
-        {
-            QFile file(leftover);
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write("partial");
-        }
+        WriteBytes(leftover, "partial");
         ScriptedDialogs dialogs;
         for (int run = 1; run <= 2; ++run) {
             StartProgram();
             QVERIFY(gMainForm);
-            QCOMPARE(TitleCount(), long(run - 1));
+            QCOMPARE(RowCount("title"), long(run - 1));
             AddTitle(run, "kept");
             EndProgram();
 
@@ -100,9 +81,7 @@ class CompactionTest : public QObject {
             QVERIFY2(box.prompt.startsWith("3204|"), qPrintable(box.prompt));
             QVERIFY(kEngineErrors.match(box.prompt).hasMatch());
             QCOMPARE(FileHead(folder.file("data.gdb")), QByteArray("SQLite format F"));
-            QFile file(leftover);
-            QVERIFY(file.open(QIODevice::ReadOnly));
-            QCOMPARE(file.readAll(), QByteArray("partial"));
+            QCOMPARE(ReadBytes(leftover), QByteArray("partial"));
         }
     }
 
@@ -121,17 +100,15 @@ class CompactionTest : public QObject {
         StartProgram();
         QVERIFY(gMainForm);
         QVERIFY(gDatabase);
-        QCOMPARE(TitleCount(), 1L);
+        QCOMPARE(RowCount("title"), 1L);
         EndProgram();
         QVERIFY(dialogs.msgBoxes.isEmpty());
 
         FlipDatabaseHeader(folder.file("data.gdb"), kUnguardHeader);
-        try {
-            DBEngine::OpenDatabase(folder.file("data.gdb"), true, false, ";pwd=another");
-            QFAIL("a wrong password opened the compacted catalogue");
-        } catch (const VbError& error) {
-            QCOMPARE(error.Number, 3031);
-        }
+        QCOMPARE(ErrorNumber([&] {
+                     DBEngine::OpenDatabase(folder.file("data.gdb"), true, false, ";pwd=another");
+                 }),
+                 3031);
     }
 
     void windowCannotBeClosedAndClosesItselfWhenDone() {
@@ -174,7 +151,7 @@ class CompactionTest : public QObject {
         QVERIFY(gDatabase && gRecordset);
         QCOMPARE(gRecordset->Filter(), QString("idcd > 1"));
         QCOMPARE(gRecordset->SQL(), gViewSQL);
-        QCOMPARE(TitleCount(), 2L);
+        QCOMPARE(RowCount("title"), 2L);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
@@ -228,7 +205,7 @@ class CompactionTest : public QObject {
         QVERIFY(!QFile::exists(folder.file("data.compacted")));
         QVERIFY(!QFile::exists(synced.filePath("data.compacted")));
         QVERIFY(StartProgram());
-        QCOMPARE(TitleCount(), 1L);
+        QCOMPARE(RowCount("title"), 1L);
         EndProgram();
         QVERIFY(QFileInfo(folder.file("data.gdb")).isSymLink());
     }
@@ -271,7 +248,7 @@ class CompactionTest : public QObject {
         }
         QVERIFY(gDatabase && gRecordset);
         QCOMPARE(gRecordset->Filter(), QString("idcd > 0"));
-        QCOMPARE(TitleCount(), 1L);
+        QCOMPARE(RowCount("title"), 1L);
     }
 };
 

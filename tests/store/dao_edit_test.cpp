@@ -5,14 +5,6 @@
 #include "store/storetest.h"
 #include "support/testsupport.h"
 
-namespace {
-long Count(const QString& sql) {
-    auto rs = gDatabase->OpenRecordset(sql);
-    if (!rs->IsEOF()) rs->MoveLast();
-    return rs->RecordCount();
-}
-}  // namespace
-
 class DaoEditTest : public QObject {
     Q_OBJECT
 
@@ -55,7 +47,7 @@ class DaoEditTest : public QObject {
         table->Fields("nmcd").SetValue(QString("Fourth"));
         table->Update();
         QCOMPARE(table->RecordCount(), 3L);
-        QCOMPARE(Count("select * from title where idcd = 4 and nmcd = 'Fourth'"), 1L);
+        QCOMPARE(RowCount("title where idcd = 4 and nmcd = 'Fourth'"), 1L);
         // Counters and expressions cannot be written.
         table->AddNew();
         QCOMPARE(ErrorNumber([&] { table->Fields("idcd").SetValue(9); }), 3164);
@@ -79,15 +71,14 @@ class DaoEditTest : public QObject {
         QCOMPARE(rs->Fields("rating").Value(), QVariant(qint64(5)));
         QCOMPARE(rs->Fields("nrcds").Value(), QVariant(qint64(7)));
         QCOMPARE(rs->Fields("nmplatform").Value().toString(), QString("Audio"));
-        QCOMPARE(Count("select * from title where nmcd = 'After' and nrcds = 7 and rating = 5"),
-                 1L);
-        QCOMPARE(Count("select * from title where nmcd = 'Other'"), 1L);
+        QCOMPARE(RowCount("title where nmcd = 'After' and nrcds = 7 and rating = 5"), 1L);
+        QCOMPARE(RowCount("title where nmcd = 'Other'"), 1L);
 
         // Over a join a lookup's own field can be changed too.
         rs->Edit();
         rs->Fields("nmvendor").SetValue(QString("Someone"));
         rs->Update();
-        QCOMPARE(Count("select * from vendor where nmvendor = 'Someone' and idvendor = 1"), 1L);
+        QCOMPARE(RowCount("vendor where nmvendor = 'Someone' and idvendor = 1"), 1L);
 
         // Moving away drops an edit; CancelUpdate drops it in place.
         rs->Edit();
@@ -159,7 +150,7 @@ class DaoEditTest : public QObject {
         // Titles without a TitleID do not collide.
         gDatabase->Execute("INSERT INTO title (nmcd) VALUES ('c')");
         gDatabase->Execute("INSERT INTO title (nmcd) VALUES ('d')");
-        QCOMPARE(Count("select * from title"), 3L);
+        QCOMPARE(RowCount("title"), 3L);
     }
 
     void deletesCascade() {
@@ -178,10 +169,10 @@ class DaoEditTest : public QObject {
 
         gDatabase->Execute("DELETE FROM platform WHERE idplatform = 6");
         QCOMPARE(gDatabase->RecordsAffected(), 1L);
-        QCOMPARE(Count("select * from title"), 1L);
-        QCOMPARE(Count("select * from type where idtype = 50"), 0L);
-        QCOMPARE(Count("select * from specific where idspecific = 60"), 0L);
-        QCOMPARE(Count("select * from vendor where idvendor = 70"), 0L);
+        QCOMPARE(RowCount("title"), 1L);
+        QCOMPARE(RowCount("type where idtype = 50"), 0L);
+        QCOMPARE(RowCount("specific where idspecific = 60"), 0L);
+        QCOMPARE(RowCount("vendor where idvendor = 70"), 0L);
 
         // Deleting through a join removes the title row; its tracks follow.
         auto rs = gDatabase->OpenRecordset(kJoin);
@@ -190,9 +181,9 @@ class DaoEditTest : public QObject {
         QCOMPARE(rs->RecordCount(), 0L);
         rs->MoveNext();
         QVERIFY(rs->IsEOF());
-        QCOMPARE(Count("select * from title"), 0L);
-        QCOMPARE(Count("select * from Tracks"), 0L);
-        QCOMPARE(Count("select * from vendor where idvendor = 1"), 1L);
+        QCOMPARE(RowCount("title"), 0L);
+        QCOMPARE(RowCount("Tracks"), 0L);
+        QCOMPARE(RowCount("vendor where idvendor = 1"), 1L);
     }
 
     void deleteKeepsItsPlace() {
@@ -206,7 +197,7 @@ class DaoEditTest : public QObject {
         rs->MovePrevious();
         QCOMPARE(rs->Fields("idmediatype").Value(), QVariant(qint64(2)));
         QCOMPARE(rs->RecordCount(), 4L);
-        QCOMPARE(Count("select * from mediatype"), 4L);
+        QCOMPARE(RowCount("mediatype"), 4L);
     }
 
     void widenedColumnKeepsItsWidth() {

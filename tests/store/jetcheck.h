@@ -10,20 +10,15 @@
 
 #include "store/jetindex.h"
 #include "store/jetwriter.h"
+#include "support/testsupport.h"
 
 // A fixture copied into a temporary folder, so that tests change their own copy.
 inline QString CopyFixture(const QTemporaryDir& folder, const QString& name) {
     const QString target = folder.filePath(name);
     QFile::remove(target);
-    QFile::copy(QStringLiteral(VELMORA_FIXTURES_DIR "/jet/") + name, target);
+    QFile::copy(FixturePath("jet/" + name), target);
     QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner);
     return target;
-}
-
-inline QByteArray FileBytes(const QString& path) {
-    QFile file(path);
-    file.open(QIODevice::ReadOnly);
-    return file.readAll();
 }
 
 // The lines mdb-export gives for a table, header left out, sorted; empty on a failure.
@@ -117,7 +112,7 @@ inline QString CheckIndex(const QString& path, const QString& tableName, const j
 // written (their definition, usage maps, data and index pages). Empty when there are none.
 inline QString StrayChanges(const QByteArray& before, const QString& path,
                             const QStringList& tables) {
-    const QByteArray after = FileBytes(path);
+    const QByteArray after = ReadBytes(path);
     std::set<uint32_t> tablePages;
     std::set<uint32_t> mapPages;
     {

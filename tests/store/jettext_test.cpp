@@ -1,6 +1,7 @@
 // Text compares as Jet compares it: without regard to case in any script, accented letters
 // beside their base letters, in the catalogue's statements, its indexes, the list's own sorting,
-// and in catalogues made before the order existed.
+// and in catalogues made before the order existed; and Jet's like patterns, on their own and
+// inside the program's statements.
 
 #include <sqlite3.h>
 
@@ -9,6 +10,7 @@
 #include "shell/frmMain.h"
 #include "shell/titlelistmodel.h"
 #include "store/catalogue.h"
+#include "store/jetlike.h"
 #include "store/jettext.h"
 #include "store/jettextcolumns.h"
 #include "store/storetest.h"
@@ -208,6 +210,83 @@ class JetTextTest : public QObject {
         QCOMPARE(gMainForm->Node(2)->text(0), QString("atari Jaguar"));
         QVERIFY(!TextColumnsNeedJetOrder(*gDatabase));
         EndProgram();
+    }
+
+    void patterns_data() {
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("matches");
+        const struct {
+            const char *name, *pattern, *text;
+            bool matches;
+        } rows[] = {
+            {"run inside", "*beat*", "The Beatles", true},
+            {"run needs the rest", "*beat*s", "The Beatles!", false},
+            {"whole text", "beat", "Beatles", false},
+            {"empty run", "a*b", "ab", true},
+            {"backtracking", "*ab*abc", "aabxabab abc", true},
+            {"one character", "b?d", "bAd", true},
+            {"one, not none", "b?d", "bd", false},
+            {"digit", "track ##", "Track 07", true},
+            {"digit refuses letter", "track ##", "Track 0x", false},
+            {"set", "[abc]*", "Cello", true},
+            {"range", "[m-p]ozart", "Mozart", true},
+            {"range misses", "[a-l]ozart", "Mozart", false},
+            {"negated set", "[!a-l]*", "Mozart", true},
+            {"negated set refuses", "[!m]*", "mozart", false},
+            {"literal star in set", "a[*]b", "a*b", true},
+            {"literal star refuses", "a[*]b", "axb", false},
+            {"unclosed bracket is literal", "a[b", "a[B", true},
+            {"unicode case", "*ÉBÈ*", "l'ébène", true},
+            {"unicode one character", "?nd", "Ånd", true},
+            {"unicode range", "[à-å]x", "Äx", true},
+            {"empty pattern", "", "", true},
+            {"empty pattern, text", "", "a", false},
+            {"only runs", "***", "", true},
+        };
+        for (const auto& row : rows)
+            QTest::newRow(row.name) << QString(row.pattern) << QString(row.text) << row.matches;
+    }
+    void patterns() {
+        QFETCH(QString, pattern);
+        QFETCH(QString, text);
+        QFETCH(bool, matches);
+        const jetlike::Pattern compiled(pattern);
+        QCOMPARE(compiled.Matches(text), matches);
+        const QByteArray utf8 = text.toUtf8();
+        QCOMPARE(compiled.MatchesUtf8(utf8.constData(), static_cast<int>(utf8.size())), matches);
+    }
+
+    void statementsUseJetPatterns() {
+        TempProgramFolder folder;
+        folder.openCatalogue();
+        AddTitle(*gDatabase, "Abbey Road");
+        AddTitle(*gDatabase, "Revolver");
+        gDatabase->Execute(
+            "INSERT INTO Tracks (idcd, TrackID, TrackName) VALUES (1, 1, "
+            "'Come Together'), (2, 1, 'Taxman'), (2, 2, NULL)");
+        const auto names = [](const QString& sql) {
+            QStringList found;
+            for (auto rs = gDatabase->OpenRecordset(sql); !rs->IsEOF(); rs->MoveNext())
+                found << rs->Fields("nmcd").Value().toString();
+            return found;
+        };
+        QCOMPARE(names("select * from title where nmcd like '*ROAD' order by nmcd"),
+                 QStringList({"Abbey Road"}));
+        QCOMPARE(names("select * from title where nmcd like '?e*' order by nmcd"),
+                 QStringList({"Revolver"}));
+        QCOMPARE(names("select * from title where nmcd not like '[a-m]*' order by nmcd"),
+                 QStringList({"Revolver"}));
+        // The search's form: titles having a track of that name; a Null track matches nothing.
+        QCOMPARE(names("select * from title where title.idplatform = 1 and title.idcd in "
+                       "(select idcd from tracks where TrackName like '*tax*')"),
+                 QStringList({"Revolver"}));
+        // SQLite's own wildcards are plain characters to Jet.
+        QCOMPARE(names("select * from title where nmcd like 'Abbey%'"), QStringList());
+        auto nulls = gDatabase->OpenRecordset(
+            "select TrackName like '*' as m from Tracks "
+            "where TrackName is null");
+        QVERIFY(nulls->Fields("m").IsNull());
     }
 };
 

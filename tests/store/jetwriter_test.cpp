@@ -1,6 +1,12 @@
-// The Jet writer against readers that are not its own: mdbtools and an index walk.
+// The Jet writer against readers that are not its own: mdbtools and an index walk; also after
+// a writer killed at any moment.
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <QRandomGenerator>
+#include <QRegularExpression>
 #include <QtTest>
 #include <set>
 
@@ -38,6 +44,13 @@ void VerifyIndexes(const QString& path, const QString& table) {
     }
 }
 
+// mdb-export lists exactly the expected rows, and mdb-count counts them.
+void VerifyRows(const QString& path, const QString& table, QStringList expected) {
+    expected.sort();
+    QCOMPARE(ExportedRows(path, table), expected);
+    QCOMPARE(CountedRows(path, table), long(expected.size()));
+}
+
 }  // namespace
 
 class JetWriterTest : public QObject {
@@ -50,7 +63,7 @@ class JetWriterTest : public QObject {
         for (const QString fixture : {"cd_pk.mdb", "cd_noidx.mdb", "cd_empty.mdb"}) {
             QTemporaryDir folder;
             const QString path = CopyFixture(folder, fixture);
-            const QByteArray before = FileBytes(path);
+            const QByteArray before = ReadBytes(path);
             QStringList titles = ExportedRows(path, "Titles");
             QStringList tracks = ExportedRows(path, "Tracks");
             std::set<qint64> used = {1001, 1002, -5, 2147483647};
@@ -79,12 +92,8 @@ class JetWriterTest : public QObject {
                     }
                 }
             }
-            titles.sort();
-            tracks.sort();
-            QCOMPARE(ExportedRows(path, "Titles"), titles);
-            QCOMPARE(ExportedRows(path, "Tracks"), tracks);
-            QCOMPARE(CountedRows(path, "Titles"), long(titles.size()));
-            QCOMPARE(CountedRows(path, "Tracks"), long(tracks.size()));
+            VerifyRows(path, "Titles", titles);
+            VerifyRows(path, "Tracks", tracks);
             VerifyIndexes(path, "Titles");
             QCOMPARE(StrayChanges(before, path, {"Titles", "Tracks"}), QString());
         }
@@ -95,7 +104,7 @@ class JetWriterTest : public QObject {
     void appendsToAccessFilesKeepTheirIndexes() {
         QTemporaryDir folder;
         const QString compound = CopyFixture(folder, "compIndexTestV2000.mdb");
-        const QByteArray compoundBefore = FileBytes(compound);
+        const QByteArray compoundBefore = ReadBytes(compound);
         VerifyIndexes(compound, "Table1");
         QStringList agents = ExportedRows(compound, "Table1");
         {
@@ -107,8 +116,7 @@ class JetWriterTest : public QObject {
                 agents << QStringLiteral("%1,\"rs %2\",\"dc\"").arg(id).arg(i);
             }
         }
-        agents.sort();
-        QCOMPARE(ExportedRows(compound, "Table1"), agents);
+        VerifyRows(compound, "Table1", agents);
         VerifyIndexes(compound, "Table1");
         QCOMPARE(StrayChanges(compoundBefore, compound, {"Table1"}), QString());
 
@@ -128,8 +136,7 @@ class JetWriterTest : public QObject {
                 writer.AppendRow("Table3", {100 + i, QVariant()});
             }
         }
-        rows.sort();
-        QCOMPARE(ExportedRows(indexed, "Table1"), rows);
+        VerifyRows(indexed, "Table1", rows);
         for (const QString table : {"Table1", "Table2", "Table3"}) {
             QCOMPARE(CountedRows(indexed, table), long(ExportedRows(indexed, table).size()));
             VerifyIndexes(indexed, table);
@@ -149,12 +156,8 @@ class JetWriterTest : public QObject {
                 moved << QStringLiteral("\"n%1\",,,,,,,,").arg(i);
             }
         }
-        kept.sort();
-        moved.sort();
-        QCOMPARE(ExportedRows(deleted, "Table"), kept);
-        QCOMPARE(CountedRows(deleted, "Table"), long(kept.size()));
-        QCOMPARE(ExportedRows(overflow, "Table1"), moved);
-        QCOMPARE(CountedRows(overflow, "Table1"), long(moved.size()));
+        VerifyRows(deleted, "Table", kept);
+        VerifyRows(overflow, "Table1", moved);
     }
 
     // Rows changed where they are: shorter and longer on their page, moved to another page
@@ -190,9 +193,7 @@ class JetWriterTest : public QObject {
             // The fixture's third row lives on another page behind a pointer.
             moved.ChangeRow("Table1", {27, 2}, {"now here", "and longer than it was"});
         }
-        titles.sort();
-        QCOMPARE(ExportedRows(path, "Titles"), titles);
-        QCOMPARE(CountedRows(path, "Titles"), long(titles.size()));
+        VerifyRows(path, "Titles", titles);
         VerifyIndexes(path, "Titles");
         const QStringList moved = ExportedRows(overflow, "Table1");
         QCOMPARE(moved.size(), 7);
@@ -205,52 +206,40 @@ class JetWriterTest : public QObject {
     void refusalsLeaveTheFileUntouched() {
         QTemporaryDir folder;
         const QString path = CopyFixture(folder, "cd_pk.mdb");
-        const QByteArray before = FileBytes(path);
-        auto refusal = [](auto&& work) -> QString {
-            try {
-                work();
-            } catch (const VbError& error) {
-                return QString::number(error.Number) + " " + error.Description;
-            }
-            return {};
-        };
+        const QByteArray before = ReadBytes(path);
         {
             jet::Writer writer(path);
-            QVERIFY(refusal([&] {
+            QVERIFY(Refusal([&] {
                         writer.AppendRow("Titles", {1001, "Again", "Dup", 1});
                     }).startsWith("3022"));
-            QVERIFY(refusal([&] {
+            QVERIFY(Refusal([&] {
                         writer.AppendRow("Titles", {7, QString(256, 'x'), "", 1});
                     }).startsWith("3163"));
-            QVERIFY(refusal([&] {
+            QVERIFY(Refusal([&] {
                         writer.AppendRow("Titles", {qint64(1) << 40, "", "", 1});
                     }).startsWith("3421"));
-            QVERIFY(refusal([&] { writer.AppendRow("Nothing", {}); }).startsWith("3078"));
-            QVERIFY(refusal([&] { writer.AppendRow("MSysObjects", {}); }).contains("long values"));
-            QVERIFY(refusal([&] { jet::Writer second(path); }).startsWith("3045"));
+            QVERIFY(Refusal([&] { writer.AppendRow("Nothing", {}); }).startsWith("3078"));
+            QVERIFY(Refusal([&] { writer.AppendRow("MSysObjects", {}); }).contains("long values"));
+            QVERIFY(Refusal([&] { jet::Writer second(path); }).startsWith("3045"));
         }
-        QCOMPARE(FileBytes(path), before);
+        QCOMPARE(ReadBytes(path), before);
 
         const QString textIndex = CopyFixture(folder, "bigIndexTestV2000.mdb");
-        const QByteArray textBefore = FileBytes(textIndex);
-        QVERIFY(refusal([&] {
+        const QByteArray textBefore = ReadBytes(textIndex);
+        QVERIFY(Refusal([&] {
                     jet::Writer(textIndex).AppendRow("Table1", {"kiwi", "b"});
                 }).contains("the character 'k' sorts"));
-        QCOMPARE(FileBytes(textIndex), textBefore);
+        QCOMPARE(ReadBytes(textIndex), textBefore);
 
         const QString jet3 = CopyFixture(folder, "indexTestV1997.mdb");
-        QVERIFY(refusal([&] { jet::Writer{jet3}; }).contains("Jet 3 (Access 97)"));
-        QFile truncated(folder.filePath("truncated.mdb"));
-        truncated.open(QIODevice::WriteOnly);
-        truncated.write(before.left(5000));
-        truncated.close();
-        QVERIFY(refusal([&] { jet::Writer{truncated.fileName()}; }).contains("truncated"));
-        QFile text(folder.filePath("text.mdb"));
-        text.open(QIODevice::WriteOnly);
-        text.write(QByteArray(8192, 'x'));
-        text.close();
-        QVERIFY(refusal([&] { jet::Writer{text.fileName()}; }).contains("not a Jet database"));
-        QVERIFY(refusal([&] { jet::Writer{folder.filePath("missing.mdb")}; }).startsWith("3024"));
+        QVERIFY(Refusal([&] { jet::Writer{jet3}; }).contains("Jet 3 (Access 97)"));
+        const QString truncated = folder.filePath("truncated.mdb");
+        WriteBytes(truncated, before.left(5000));
+        QVERIFY(Refusal([&] { jet::Writer{truncated}; }).contains("truncated"));
+        const QString text = folder.filePath("text.mdb");
+        WriteBytes(text, QByteArray(8192, 'x'));
+        QVERIFY(Refusal([&] { jet::Writer{text}; }).contains("not a Jet database"));
+        QVERIFY(Refusal([&] { jet::Writer{folder.filePath("missing.mdb")}; }).startsWith("3024"));
     }
 
     // Text keys as Access writes them: every name in the catalogue's name index of an
@@ -296,9 +285,80 @@ class JetWriterTest : public QObject {
                 rows << (i % 50 ? Quoted(text) : QString()) + ",\"x\"";
             }
         }
-        rows.sort();
-        QCOMPARE(ExportedRows(path, "Table1"), rows);
+        VerifyRows(path, "Table1", rows);
         VerifyIndexes(path, "Table1");
+    }
+
+    // A writer killed at any moment leaves a file that mdbtools reads in full and whose index is
+    // in order and points at real rows.
+    void killedWriterLeavesAReadableFile() {
+        QTemporaryDir folder;
+        const QString path = CopyFixture(folder, "cd_pk.mdb");
+        QRandomGenerator random(2026);
+        const int rounds = 10;
+        for (int round = 1; round <= rounds; ++round) {
+            // The child tells of every title it wrote, so that each kill falls after a random
+            // number of titles and at a random moment inside the next one, however fast the
+            // machine (or the sanitizers) make the writer.
+            int progress[2];
+            QVERIFY(pipe(progress) == 0);
+            const pid_t child = fork();
+            QVERIFY(child >= 0);
+            if (child == 0) {
+                ::close(progress[0]);
+                try {
+                    jet::Writer writer(path);
+                    for (int i = 0;; ++i) {
+                        const int id = round * 1000000 + i;
+                        writer.AppendRow(
+                            "Titles", {id, "Killed artist", QStringLiteral("Title %1").arg(i), 2});
+                        writer.AppendRow("Tracks", {id, 0, "First"});
+                        writer.AppendRow("Tracks", {id, 1, "Second"});
+                        if (::write(progress[1], "t", 1) != 1) _exit(3);
+                    }
+                } catch (...) {
+                    _exit(2);
+                }
+            }
+            ::close(progress[1]);
+            const int titlesBeforeKill = random.bounded(10, 40);
+            char told = 0;
+            for (int seen = 0; seen < titlesBeforeKill; ++seen)
+                QVERIFY(::read(progress[0], &told, 1) == 1);
+            usleep(useconds_t(random.bounded(0, 3000)));
+            kill(child, SIGKILL);
+            int status = 0;
+            waitpid(child, &status, 0);
+            ::close(progress[0]);
+            QVERIFY2(WIFSIGNALED(status), "the writer stopped before it was killed");
+        }
+        int exitCode = -1;
+        const QStringList titles = ExportedRows(path, "Titles", &exitCode);
+        QCOMPARE(exitCode, 0);
+        const QStringList tracks = ExportedRows(path, "Tracks", &exitCode);
+        QCOMPARE(exitCode, 0);
+        QVERIFY(titles.size() > 100);
+        const QRegularExpression written(R"(^\d+,"Killed artist","Title \d+",2$)");
+        int ours = 0;
+        for (const QString& line : titles) ours += written.match(line).hasMatch();
+        QCOMPARE(ours, titles.size() - 4);
+        const QRegularExpression track(R"(^\d+,(0,"First"|1,"Second")$)");
+        int ourTracks = 0;
+        for (const QString& line : tracks) ourTracks += track.match(line).hasMatch();
+        QCOMPARE(ourTracks, tracks.size() - 8);
+        QVERIFY(tracks.size() - 8 >= 2 * ours - 2 * rounds);
+        // A kill may fall between a row and its count or its index entry, once per round.
+        const long counted = CountedRows(path, "Titles");
+        QVERIFY(counted <= titles.size() && counted >= titles.size() - rounds);
+        jet::Index index;
+        {
+            jet::Writer writer(path);
+            index = writer.Table("Titles").indexes.at(0);
+        }
+        long entries = 0;
+        const QString fault = CheckIndex(path, "Titles", index, entries);
+        QVERIFY2(fault.isEmpty(), qPrintable(fault));
+        QVERIFY(entries <= titles.size() && entries >= titles.size() - rounds);
     }
 };
 

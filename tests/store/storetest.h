@@ -1,21 +1,11 @@
 #pragma once
 
-// Shared by the store's tests: catching the store's refusals and filling a catalogue.
+// Shared by the store's tests: filling a catalogue and reading it through the lists' join.
 
 #include <QString>
 
 #include "store/dao.h"
-
-// The number of the VbError that work raises, 0 when it raises none.
-template <typename Work>
-int ErrorNumber(Work&& work) {
-    try {
-        work();
-    } catch (const VbError& error) {
-        return error.Number;
-    }
-    return 0;
-}
+#include "support/testsupport.h"
 
 // Files a title under the template's audio platform (type Pop, Album, Various artists, CD-ROM),
 // or under the given lookups.
@@ -33,8 +23,4 @@ inline void AddTitle(Database& database, const QString& name, int platform = 1, 
 }
 
 // The join every list view rests on.
-inline const char* const kJoin =
-    "Select * from title,vendor,platform,type,specific,mediatype where title.idvendor = "
-    "vendor.idvendor and title.idplatform = platform.idplatform and title.idtype = type.idtype "
-    "and title.idspecific = specific.idspecific and title.idmediatype = mediatype.idmediatype "
-    "order by platform.nmplatform, title.nmcd";
+inline const QString& kJoin = kTitleJoinInListOrder;

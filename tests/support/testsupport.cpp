@@ -60,9 +60,47 @@ void TempProgramFolder::closeCatalogue() {
     }
 }
 
+bool operator==(const MsgBoxCall& a, const MsgBoxCall& b) {
+    return a.prompt == b.prompt && a.flags == b.flags && a.title == b.title;
+}
+
+bool operator==(const InputBoxCall& a, const InputBoxCall& b) {
+    return a.prompt == b.prompt && a.title == b.title && a.defaultText == b.defaultText;
+}
+
+char* toString(const MsgBoxCall& box) {
+    return QTest::toString(
+        QString("{\"%1\", %2, \"%3\"}").arg(box.prompt).arg(box.flags).arg(box.title));
+}
+
+char* toString(const InputBoxCall& box) {
+    return QTest::toString(
+        QString("{\"%1\", \"%2\", \"%3\"}").arg(box.prompt, box.title, box.defaultText));
+}
+
+QByteArray ReadBytes(const QString& path, qint64 length) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    return length < 0 ? file.readAll() : file.read(length);
+}
+
+void WriteBytes(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    QVERIFY2(file.open(QIODevice::WriteOnly | QIODevice::Truncate), qPrintable(path));
+    file.write(bytes);
+}
+
+QString FixturePath(const QString& name) {
+    return QStringLiteral(VELMORA_FIXTURES_DIR "/") + name;
+}
+
 QVariant Scalar(const QString& sql) {
     auto records = gDatabase->OpenRecordset(sql, dbOpenSnapshot);
     return records->IsEOF() ? QVariant() : records->Fields(0).Value();
+}
+
+long RowCount(const QString& from) {
+    return Scalar("select count(*) from " + from).toLongLong();
 }
 
 frmMain* StartProgram() {
@@ -87,6 +125,13 @@ QTreeWidgetItem* NodeWithKey(const QString& key) {
     for (int index = 1; index <= gMainForm->NodeCount(); ++index)
         if (gMainForm->NodeKey(gMainForm->Node(index)) == key) return gMainForm->Node(index);
     return nullptr;
+}
+
+void ClickTreeNode(const QString& key) {
+    QTreeWidgetItem* node = NodeWithKey(key);
+    QVERIFY2(node, qPrintable("no tree node " + key));
+    gMainForm->TV1->setCurrentItem(node);
+    gMainForm->TV1_NodeClick(node);
 }
 
 ScriptedDialogs::ScriptedDialogs() {

@@ -9,10 +9,19 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <functional>
+#include <utility>
 
 #include "toolkit/GCommonDialog.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/resources.h"
+#include "toolkit/vberror.h"
+
+// Boxes compare whole, word for word: prompt, buttons and icon, and title.
+bool operator==(const MsgBoxCall& a, const MsgBoxCall& b);
+bool operator==(const InputBoxCall& a, const InputBoxCall& b);
+char* toString(const MsgBoxCall& box);
+char* toString(const InputBoxCall& box);
+using Boxes = QList<MsgBoxCall>;
 
 // A program folder of its own: App.Path points at it while the object lives.
 class TempProgramFolder {
@@ -57,6 +66,8 @@ class ScriptedDialogs {
     int defaultMsgBoxAnswer = vbCancel;
 
     QStringList prompts() const;
+    // The boxes asked since the last take; the record starts again empty.
+    Boxes takeBoxes() { return std::exchange(msgBoxes, {}); }
 };
 
 class frmMain;
@@ -67,10 +78,52 @@ class QTreeWidgetItem;
 frmMain* StartProgram();
 // The first column of the first row the open catalogue gives for sql; invalid when none.
 QVariant Scalar(const QString& sql);
+// The open catalogue's count of rows from a table or join and its condition ("title where ...").
+long RowCount(const QString& from);
+// The first length bytes of a file, all of it when length is negative; empty when unreadable.
+QByteArray ReadBytes(const QString& path, qint64 length = -1);
+// Replaces the file's content with bytes.
+void WriteBytes(const QString& path, const QByteArray& bytes);
+// A file of the checked-in fixtures, by its path below the fixtures folder.
+QString FixturePath(const QString& name);
+
+// The number of the VbError that work raises, 0 when it raises none.
+template <typename Work>
+int ErrorNumber(Work&& work) {
+    try {
+        work();
+    } catch (const VbError& error) {
+        return error.Number;
+    }
+    return 0;
+}
+
+// The number and description of the VbError that work raises, empty when it raises none.
+template <typename Work>
+QString Refusal(Work&& work) {
+    try {
+        work();
+    } catch (const VbError& error) {
+        return QString::number(error.Number) + " " + error.Description;
+    }
+    return {};
+}
+
+// The join of a title with its lookups that every list and export reads, unordered and in the
+// order of the lists.
+inline const QString kTitleJoin =
+    "Select * from title,vendor,platform,type,specific,mediatype where title.idvendor = "
+    "vendor.idvendor and title.idplatform = platform.idplatform and title.idtype = type.idtype "
+    "and title.idspecific = specific.idspecific and title.idmediatype = mediatype.idmediatype";
+inline const QString kTitleJoinInListOrder =
+    kTitleJoin + " order by platform.nmplatform, title.nmcd";
+
 // Ends a running program through its exit, as Quit does.
 void EndProgram();
 // The running main window's tree node with key, or null.
 QTreeWidgetItem* NodeWithKey(const QString& key);
+// Selects the running main window's tree node with key as a click on it does.
+void ClickTreeNode(const QString& key);
 
 namespace testsupport {
 // Points HOME and the XDG folders at a private temporary folder and selects the offscreen

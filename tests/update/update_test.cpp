@@ -1,14 +1,45 @@
+// The download window against a local server (resumed, refused and cancelled transfers, its
+// progress and its formatting), and the live update that runs on it.
+
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include "shell/frmMain.h"
 #include "support/testsupport.h"
 #include "toolkit/vbruntime.h"
 #include "update/frmDownload.h"
+#include "update/mDownload.h"
 #include "update/testhttpserver.h"
 
 namespace {
+
+QByteArray Source(int size) {
+    QByteArray data(size, '\0');
+    for (int i = 0; i < size; ++i) data[i] = static_cast<char>((i * 7 + i / 251) & 0xFF);
+    return data;
+}
+
+struct Transfer {
+    bool succeeded = false;
+    QString statusText;
+};
+
+Transfer Download(const QString& url, const QString& saveAs) {
+    frmDownload form;
+    Transfer result;
+    form.DownloadFile(url, saveAs, "", "", true, result.succeeded);
+    result.statusText = form.StatusLabel->text();
+    return result;
+}
+
+HttpAnswer Answering(const QByteArray& statusLine) {
+    HttpAnswer answer;
+    answer.statusLine = statusLine;
+    return answer;
+}
 
 QByteArray ServerIni(int latestMajor, int minor, int revision, const QString& programUrl) {
     return QString(
@@ -29,6 +60,8 @@ class UpdateTest : public QObject {
     QTemporaryDir wine;
     AppObject savedApp;
     QString tempFolder() const { return wine.filePath("drive_c/windows/TEMP"); }
+    QTemporaryDir dir;
+    QString target() const { return dir.filePath("incoming/file.bin"); }
 
   private slots:
     void initTestCase() {
@@ -45,33 +78,25 @@ class UpdateTest : public QObject {
         TestHttpServer server;
         qputenv("VELMORA_UPDATE_SERVER", server.url("").toLocal8Bit());
         App.Major = 2;
+        const MsgBoxCall offer{"Update Velmora from version 2.4.0 to 2.4.1?",
+                               vbYesNoCancel + vbQuestion, "Proceed with Live-Update?"};
+        const MsgBoxCall declined{"User doesn't want to update Velmora.", vbOKOnly, "Live-Update"};
+        const MsgBoxCall latest{
+            "You allready have the latest version of release 2. Nothing to update.", vbInformation,
+            "Live-Update"};
+        const MsgBoxCall newMajor{
+            "Version 3 has been released. You can download it manually from our website at:\r\n"
+            "http://shop.example/v3",
+            vbInformation, "Live-Update"};
+        // The running version, the server's version of the running major, the latest major.
         struct Case {
             int minor, revision, serverMinor, serverRevision, latestMajor;
-            QStringList titles;
-            QString firstPrompt;
+            Boxes boxes;
         };
         const QList<Case> cases = {
-            {4,
-             0,
-             4,
-             1,
-             2,
-             {"Proceed with Live-Update?", "Live-Update"},
-             "Update Velmora from version 2.4.0 to 2.4.1?"},
-            {4,
-             5,
-             3,
-             9,
-             2,
-             {"Live-Update"},
-             "You allready have the latest version of release 2. Nothing to update."},
-            {4,
-             5,
-             4,
-             5,
-             3,
-             {"Live-Update", "Live-Update"},
-             "You allready have the latest version of release 2. Nothing to update."},
+            {4, 0, 4, 1, 2, {offer, declined}},
+            {4, 5, 3, 9, 2, {latest}},
+            {4, 5, 4, 5, 3, {latest, newMajor}},
         };
         for (const Case& c : cases) {
             ScriptedDialogs dialogs;
@@ -82,10 +107,7 @@ class UpdateTest : public QObject {
                 ServerIni(c.latestMajor, c.serverMinor, c.serverRevision, server.url("/u"));
             frmDownload form;
             QVERIFY(!form.Update());
-            QStringList titles;
-            for (const MsgBoxCall& call : dialogs.msgBoxes) titles << call.title;
-            QCOMPARE(titles, c.titles);
-            QCOMPARE(dialogs.msgBoxes[0].prompt, c.firstPrompt);
+            QCOMPARE(dialogs.msgBoxes, c.boxes);
             QCOMPARE(sUpdateProgram, tempFolder() + "/upd.sh");
         }
         // The declined offer, then the new major's notice.
@@ -96,12 +118,7 @@ class UpdateTest : public QObject {
         server.files["/software/updates/velmora.ini"] = ServerIni(3, 4, 1, server.url("/u"));
         frmDownload form;
         QVERIFY(!form.Update());
-        QCOMPARE(dialogs.prompts(),
-                 QStringList({"Update Velmora from version 2.4.0 to 2.4.1?",
-                              "User doesn't want to update Velmora.",
-                              "Version 3 has been released. You can download it manually from "
-                              "our website at:\r\nhttp://shop.example/v3"}));
-        QCOMPARE(dialogs.msgBoxes[1].flags, vbOKOnly);
+        QCOMPARE(dialogs.msgBoxes, Boxes({offer, declined, newMajor}));
     }
 
     void theToolbarCommandFetchesStartsAndEnds() {
@@ -129,13 +146,13 @@ class UpdateTest : public QObject {
             });
             main->ToolbarButton("update")->trigger();
             QCOMPARE(dialogs.msgBoxes.size(), 3);
-            QCOMPARE(dialogs.msgBoxes[2].prompt,
-                     "The update routine could not succesfully download all nescessary files."
-                     "\r\nPlease make sure that you have a connection to the internet and try the "
-                     "update feature again.\r\nIf the problem persists, download the update from " +
-                         kMakerWebAddress + " manually.");
-            QCOMPARE(dialogs.msgBoxes[2].flags, int(vbExclamation));
-            QCOMPARE(dialogs.msgBoxes[2].title, QString("Auto-Update"));
+            QCOMPARE(dialogs.msgBoxes[2],
+                     MsgBoxCall({"The update routine could not succesfully download all nescessary "
+                                 "files.\r\nPlease make sure that you have a connection to the "
+                                 "internet and try the update feature again.\r\nIf the problem "
+                                 "persists, download the update from " +
+                                     kMakerWebAddress + " manually.",
+                                 vbExclamation, "Auto-Update"}));
             QVERIFY(!main->IsUnloaded());
             QVERIFY(!QFile::exists(proof));
         }
@@ -148,7 +165,211 @@ class UpdateTest : public QObject {
         QCOMPARE(unloaded.count(), 1);
         QVERIFY(QFileInfo(tempFolder() + "/upd.sh").isExecutable());
         QVERIFY(QFile::exists(tempFolder() + "/VELMORA.INI"));
-        QCOMPARE(dialogs.prompts(), QStringList({"Update Velmora from version 2.4.0 to 2.9.0?"}));
+        QCOMPARE(dialogs.msgBoxes,
+                 Boxes({{"Update Velmora from version 2.4.0 to 2.9.0?", vbYesNoCancel + vbQuestion,
+                         "Proceed with Live-Update?"}}));
+    }
+
+    void resumedTransferAsksForTheLastGoodRangeAndEndsWhole() {
+        ScriptedDialogs dialogs;
+        dialogs.answerMsgBox(vbRetry);
+        TestHttpServer server(Source(30000));
+        HttpAnswer broken;
+        broken.closeAfter = 10000;
+        server.answers << broken << HttpAnswer{};
+        const Transfer transfer = Download(server.url("/files/file.bin"), target());
+        QVERIFY(transfer.succeeded);
+        QCOMPARE(transfer.statusText, QString("Download completed!"));
+        QCOMPARE(server.ranges, QStringList({"bytes=0-", "bytes=5904-"}));
+        QCOMPARE(ReadBytes(target()), server.body);
+        QCOMPARE(dialogs.msgBoxes.size(), 1);
+        QCOMPARE(dialogs.msgBoxes[0].title, QString("Download Incomplete"));
+        QCOMPARE(dialogs.msgBoxes[0].flags, vbRetryCancel + vbExclamation);
+        QVERIFY(dialogs.msgBoxes[0].prompt.startsWith("The connection with the server was reset."));
+
+        // Cancel on the same question leaves no partial file.
+        dialogs.msgBoxes.clear();
+        dialogs.answerMsgBox(vbCancel);
+        server.answers = {broken};
+        QVERIFY(!Download(server.url("/files/file.bin"), target()).succeeded);
+        QVERIFY(!QFile::exists(target()));
+    }
+
+    void serverIgnoringRangesOnRetryAsksToStartOver() {
+        TestHttpServer server(Source(20000));
+        HttpAnswer broken;
+        broken.closeAfter = 10000;
+        HttpAnswer whole;
+        whole.honourRange = false;
+        {
+            ScriptedDialogs dialogs;
+            dialogs.answerMsgBox(vbRetry);
+            dialogs.answerMsgBox(vbNo);
+            server.answers = {broken, whole};
+            QVERIFY(!Download(server.url("/a.bin"), target()).succeeded);
+            QCOMPARE(dialogs.msgBoxes.size(), 2);
+            QCOMPARE(dialogs.msgBoxes[1],
+                     MsgBoxCall({"The server is unable to resume this download.\r\rDo you want to "
+                                 "continue anyway?",
+                                 vbYesNo + vbExclamation, "Unable to Resume Download"}));
+            QVERIFY(!QFile::exists(target()));
+        }
+        {
+            ScriptedDialogs dialogs;
+            dialogs.answerMsgBox(vbRetry);
+            dialogs.answerMsgBox(vbYes);
+            server.answers = {broken, whole};
+            QVERIFY(Download(server.url("/a.bin"), target()).succeeded);
+            QCOMPARE(ReadBytes(target()), server.body);
+        }
+        // On the first pass a server without ranges is simply a whole file.
+        ScriptedDialogs dialogs;
+        server.answers = {whole};
+        QVERIFY(Download(server.url("/a.bin"), target()).succeeded);
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+    }
+
+    void refusingAnswersShowTheirBoxAndLeaveNothing() {
+        TestHttpServer server(Source(3000));
+        const QString url = server.url("/x.bin");
+        QTcpServer closed;
+        closed.listen(QHostAddress::LocalHost);
+        const QString nowhere = "http://127.0.0.1:" + QString::number(closed.serverPort()) + "/x";
+        closed.close();
+        HttpAnswer noLength;
+        noLength.sendLength = false;
+        // A length beyond any number of bytes.
+        HttpAnswer huge = Answering("HTTP/1.1 200 OK\r\nContent-Length: 99999999999999999999");
+        huge.sendLength = false;
+        huge.honourRange = false;
+        // An empty prompt: no box; an empty address or file: the server's file and target().
+        struct Case {
+            HttpAnswer answer;
+            QString prompt;
+            int flags;
+            QString title, url = {}, saveAs = {};
+        };
+        const QList<Case> cases = {
+            {Answering("HTTP/1.1 204 No Content"), "Nothing to download!", vbInformation,
+             "No Content"},
+            {Answering("HTTP/1.1 401 Unauthorized"), "Authorization failed!", vbCritical,
+             "Unauthorized"},
+            {Answering("HTTP/1.1 404 Not Found"), "The file, \"" + url + "\" was not found!",
+             vbCritical, "File Not Found"},
+            {Answering("HTTP/1.1 299 Odd Thing"),
+             "The server returned the following response:\r\nHTTP/1.1 299 Odd Thing\r", vbCritical,
+             "Error Downloading File"},
+            // No length: the call ends without a word.
+            {noLength, "", 0, ""},
+            {HttpAnswer(),
+             "Cannot establish connection.\r\nCheck your Internet connection and try again.",
+             vbExclamation, "Cannot Establish Connection", nowhere},
+            {huge, "Error: Overflow occurred.", vbCritical, "Error Downloading File"},
+            // /proc: a file system without a free byte.
+            {HttpAnswer(),
+             "There is not enough free space on disk for this file.\r\nPlease free up some disk "
+             "space and try again.",
+             vbCritical, "Insufficient Disk Space", url, "/proc/velmora/x.bin"},
+        };
+        for (const Case& c : cases) {
+            ScriptedDialogs dialogs;
+            server.answers = {c.answer};
+            QVERIFY(
+                !Download(c.url.isEmpty() ? url : c.url, c.saveAs.isEmpty() ? target() : c.saveAs)
+                     .succeeded);
+            QCOMPARE(dialogs.msgBoxes,
+                     c.prompt.isEmpty() ? Boxes() : Boxes({{c.prompt, c.flags, c.title}}));
+            QVERIFY(!QFile::exists(target()));
+        }
+        {
+            // A destination that cannot be opened: its error, then the offer to resume, declined.
+            ScriptedDialogs dialogs;
+            QDir().mkpath(target());
+            QFile folder(target());
+            QVERIFY(!folder.open(QIODevice::ReadWrite));
+            server.answers = {HttpAnswer{}};
+            QVERIFY(!Download(server.url("/x.bin"), target()).succeeded);
+            QCOMPARE(dialogs.msgBoxes,
+                     Boxes({{"Cannot write file to disk.\r\nError 75: " + folder.errorString(),
+                             vbCritical, "Error Downloading File"},
+                            {"The connection with the server was reset.\r\nClick \"Retry\" to "
+                             "resume downloading the file.\r(Approximate time remaining: 0 "
+                             "sec)\r\nClick \"Cancel\" to cancel downloading the file.",
+                             vbRetryCancel + vbExclamation, "Download Incomplete"}}));
+            QVERIFY(QDir().rmdir(target()));
+        }
+    }
+
+    void cancelStopsAStalledTransfer() {
+        TestHttpServer server(Source(50000));
+        HttpAnswer stalled;
+        stalled.stallAfter = 8000;
+        for (bool byEscape : {false, true}) {
+            ScriptedDialogs dialogs;
+            server.answers = {stalled};
+            frmDownload form;
+            bool succeeded = true;
+            QTimer::singleShot(300, &form, [&form, byEscape] {
+                if (byEscape)
+                    QTest::keyClick(&form, Qt::Key_Escape);
+                else
+                    form.CancelButton->click();
+            });
+            form.DownloadFile(server.url("/big.bin"), target(), "", "", true, succeeded);
+            QVERIFY(!succeeded);
+            QVERIFY(form.bCancel);
+            QCOMPARE(form.StatusLabel->text(), QString("Cancelling..."));
+            QVERIFY(!form.AnimatedGifCtl1->TimerRunning());
+            QVERIFY(!QFile::exists(target()));
+            QVERIFY(dialogs.msgBoxes.isEmpty());
+        }
+    }
+
+    void progressShowsBytesRateAndCaption() {
+        ScriptedDialogs dialogs;
+        TestHttpServer server(Source(5000));
+        frmDownload form;
+        bool succeeded = false;
+        form.DownloadFile(server.url("/dir/file.bin"), target(), "", "", true, succeeded);
+        QVERIFY(succeeded);
+        QCOMPARE(form.windowTitle(), QString("100% of file.bin Completed"));
+        QVERIFY(form.TimeLabel->text().endsWith("(5 KB of 5 KB copied)"));
+        QVERIFY(form.RateLabel->text().endsWith("/Sec"));
+        QCOMPARE(form.SourceLabel->text(), QString("file.bin from 127.0.0.1"));
+        QCOMPARE(form.ProgressBar->value(), 5000);
+    }
+
+    void formattingAndPathRoutines() {
+        QCOMPARE(FormatFileSize(0), QString("0 bytes"));
+        QCOMPARE(FormatFileSize(1023), QString("1023 bytes"));
+        QCOMPARE(FormatFileSize(1023.5), QString());
+        QCOMPARE(FormatFileSize(1024), QString("1 KB"));
+        QCOMPARE(FormatFileSize(1048575), QString("1024 KB"));
+        QCOMPARE(FormatFileSize(1048576), QString("1.0 MB"));
+        QCOMPARE(FormatFileSize(1536, "###.0"), QString("1.5 KB"));
+        QCOMPARE(FormatFileSize(3.5 * 1073741824.0), QString("3.5 GB"));
+        QCOMPARE(FormatFileSize(-1), QString());
+        QCOMPARE(FormatTimeLeft(0), QString("0 sec"));
+        QCOMPARE(FormatTimeLeft(59), QString("59 sec"));
+        QCOMPARE(FormatTimeLeft(59.5f), QString("0 hr 1 min"));
+        QCOMPARE(FormatTimeLeft(150.5f), QString("2 min 30 sec"));
+        QCOMPARE(FormatTimeLeft(3600), QString("1 hr 0 min"));
+        QCOMPARE(FormatTimeLeft(5430), QString("1 hr 30 min"));
+        QCOMPARE(SplitPath("a/b/c.ini", true, true), QString("c.ini"));
+        QCOMPARE(SplitPath("a/b/c.ini", false, true), QString("a/b/"));
+        QCOMPARE(SplitPath("c:\\x\\y.exe", true, false), QString("y.exe"));
+        QCOMPARE(SplitPath("plain", false, true), QString("plain"));
+        QVERIFY(DiskFreeBytes(dir.filePath("not/yet/made")) > 0);
+
+        QLabel label;
+        label.setFixedWidth(80);
+        const QString longText = QString("averyveryverylongname").repeated(5);
+        const QString fitted = FitText(&label, longText);
+        QVERIFY(fitted.contains("..."));
+        QVERIFY(fitted.size() < longText.size());
+        QVERIFY(fitted.startsWith("aver"));
+        QVERIFY(fitted.endsWith("name"));
+        QCOMPARE(FitText(&label, "ok"), QString("ok"));
     }
 };
 

@@ -1,6 +1,7 @@
 // Reading a disc into the title editor: an audio CD's tracks, identity, title and artist; a
 // data disc's listing, capacity and free space; a disc already catalogued; and readings that
-// fail without touching the form.
+// fail without touching the form. And "Find this disc" on the main window: the catalogued disc
+// selected in tree and list, an unknown disc named, and no drive at all.
 
 #include <QLineEdit>
 #include <QTemporaryDir>
@@ -9,6 +10,7 @@
 #include "disc/discimages.h"
 #include "editor/discsource.h"
 #include "editor/editortest.h"
+#include "shell/mGlobalFunctions.h"
 #include "toolkit/ctlGoldButton.h"
 
 using namespace editortest;
@@ -26,20 +28,13 @@ QString BlueHoursCue(const QString& folder) {
                    {{"00:00:00", "Morning"}, {"03:00:00", ""}, {"05:30:00", "Caf\xe9 Night"}});
 }
 
-void ChooseTitleKind(frmEdit* form, const QString& platform, const QString& type,
-                     const QString& specific) {
-    ChooseText(form->Combo1[0], platform);
-    ChooseText(form->Combo1[2], type);
-    ChooseText(form->Combo1[3], specific);
-}
-
 QString TracksText(frmEdit* form) {
     return form->TracksListing() ? form->TracksListing()->Text() : QString();
 }
 
 }  // namespace
 
-class frmEditDiscTest : public QObject {
+class ReadDiscTest : public QObject {
     Q_OBJECT
 
   private:
@@ -84,10 +79,8 @@ class frmEditDiscTest : public QObject {
         dialogs->answerMsgBox(vbYes);
         Choose(BlueHoursCue(images->path()));
         form->cmdReadDisc_Click();
-        QCOMPARE(dialogs->msgBoxes.size(), 1);
-        QCOMPARE(dialogs->msgBoxes[0].prompt, "No CD drive was found." + kAudioOffer);
-        QCOMPARE(dialogs->msgBoxes[0].title, QString("Read disc"));
-        QCOMPARE(dialogs->msgBoxes[0].flags, vbYesNo + vbExclamation);
+        QCOMPARE(dialogs->takeBoxes(), Boxes({{"No CD drive was found." + kAudioOffer,
+                                               vbYesNo + vbExclamation, "Read disc"}}));
         QCOMPARE(chosen, QStringList{QString::number(int(DiscChoice::AudioImage))});
         QCOMPARE(form->txtTitle->text(), QString("Blue Hours"));
         QCOMPARE(form->Combo1[1]->currentText(), QString("Ann Tanner"));
@@ -124,12 +117,10 @@ class frmEditDiscTest : public QObject {
         // No: the form stays as it was.
         dialogs->answerMsgBox(vbNo);
         form->cmdReadDisc_Click();
-        QCOMPARE(dialogs->msgBoxes.size(), 1);
-        QCOMPARE(
-            dialogs->msgBoxes[0].prompt,
-            QString("This disc (82400) is already in the catalogue as \"Blue Hours (first copy)\"."
-                    "\n\nOpen that title instead?"));
-        QCOMPARE(dialogs->msgBoxes[0].title, QString("Read disc"));
+        QCOMPARE(dialogs->takeBoxes(),
+                 Boxes({{"This disc (82400) is already in the catalogue as \"Blue Hours (first "
+                         "copy)\".\n\nOpen that title instead?",
+                         vbYesNo + vbQuestion, "Read disc"}}));
         QVERIFY(form->txtTitle->text().isEmpty());
         QVERIFY(!form->TracksListing());
 
@@ -168,8 +159,9 @@ class frmEditDiscTest : public QObject {
             MakeCue(images->path(), "lost", "Lost", "Nobody", {{"00:00:00", "One"}}, 750, false));
         form->cmdReadDisc_Click();
         QCOMPARE(dialogs->msgBoxes.size(), 2);
-        QCOMPARE(dialogs->msgBoxes[0].prompt,
-                 "\"" + images->path() + "/sr0\" does not exist." + kAudioOffer);
+        QCOMPARE(dialogs->msgBoxes[0],
+                 MsgBoxCall({"\"" + images->path() + "/sr0\" does not exist." + kAudioOffer,
+                             vbYesNo + vbExclamation, "Read disc"}));
         QVERIFY(dialogs->msgBoxes[1].prompt.contains("lost.cue"));
 
         // A data image where an audio CD is expected; a cancelled choice.
@@ -181,8 +173,9 @@ class frmEditDiscTest : public QObject {
             QVERIFY(!iso.isEmpty());
             Choose(iso);
             form->cmdReadDisc_Click();
-            QCOMPARE(dialogs->msgBoxes.last().prompt,
-                     "\"" + iso + "\" holds a data disc, not an audio CD.");
+            QCOMPARE(dialogs->msgBoxes.last(),
+                     MsgBoxCall({"\"" + iso + "\" holds a data disc, not an audio CD.",
+                                 vbExclamation, "Read disc"}));
         }
         dialogs->answerMsgBox(vbYes);
         Choose(QString());
@@ -205,14 +198,14 @@ class frmEditDiscTest : public QObject {
         // The PC platform keeps the listing in its listing editor.
         QPointer<frmEdit> form = OpenEditor(true);
         form->txtTitle->setText("Install disc");
-        ChooseTitleKind(form, "PC", "Games", "Action");
-        ChooseText(form->Combo1[1], "Unknown vendor");
+        ChooseTitleKind(form, "PC", "Games", "Action", "Unknown vendor");
         dialogs->answerMsgBox(vbYes);
         Choose(iso);
         form->cmdReadDisc_Click();
         QCOMPARE(chosen.last(), QString::number(int(DiscChoice::IsoImage)));
-        QCOMPARE(dialogs->msgBoxes.last().prompt, "No CD drive was found." + kDataOffer);
-        QCOMPARE(dialogs->msgBoxes.last().flags, vbYesNoCancel + vbExclamation);
+        QCOMPARE(dialogs->msgBoxes.last(),
+                 MsgBoxCall({"No CD drive was found." + kDataOffer, vbYesNoCancel + vbExclamation,
+                             "Read disc"}));
         const QString listing = "data/levels.pak (30 bytes)\r\nsetup.exe (2000 bytes)";
         QCOMPARE(TracksText(form), listing);
         form->cmdOK_Click();
@@ -230,18 +223,17 @@ class frmEditDiscTest : public QObject {
         QFile::setPermissions(root + "/locked", QFileDevice::WriteOwner);
         form = OpenEditor(true);
         form->txtTitle->setText("Console disc");
-        ChooseTitleKind(form, "Game console", "Games", "Racing");
-        ChooseText(form->Combo1[1], "Unknown vendor");
+        ChooseTitleKind(form, "Game console", "Games", "Racing", "Unknown vendor");
         const bool unreadable = ::geteuid() != 0;
         dialogs->answerMsgBox(vbNo);
         if (unreadable) dialogs->answerMsgBox(vbNo);
         Choose(root);
         form->cmdReadDisc_Click();
         if (unreadable) {
-            QCOMPARE(dialogs->msgBoxes.last().prompt,
-                     QString("These folders could not be read and are left out of the listing:\n"
-                             "locked\n\nUse the listing without them?"));
-            QCOMPARE(dialogs->msgBoxes.last().title, QString("Read disc"));
+            QCOMPARE(dialogs->msgBoxes.last(),
+                     MsgBoxCall({"These folders could not be read and are left out of the "
+                                 "listing:\nlocked\n\nUse the listing without them?",
+                                 vbYesNo + vbExclamation, "Read disc"}));
             dialogs->answerMsgBox(vbNo);
             dialogs->answerMsgBox(vbYes);
             form->cmdReadDisc_Click();
@@ -255,7 +247,60 @@ class frmEditDiscTest : public QObject {
         QCOMPARE(Scalar("select listing from title where idcd = " + id).toString(), listing);
         QVERIFY(Scalar("select capacity from title where idcd = " + id).toDouble() > 0);
     }
+
+    void selectsTheCataloguedTitle() {
+        StoreTitle("'Other', 1, 1, 1, 4, 10, 1, '', 1, 75, '2024-01-01', '2024-01-01', '', ''");
+        const long stored = StoreTitle(
+            "'Blue Hours', 1, 1, 1, 4, 10, 1, '', 1, 75, '2024-01-01', '2024-01-01', "
+            "'', ''");
+        gDatabase->Execute("update title set TitleID = 533504 where idcd = " +
+                           QString::number(stored));
+        const QString cue = MakeCue(images->path(), "blue", "Blue Hours", "",
+                                    {{"00:00:00", ""}, {"03:00:00", ""}, {"05:30:00", ""}});
+        SetDiscDriveLocator([cue] { return cue; });
+        SelectNode("root");
+
+        gMainForm->ToolbarButton("finddisc")->trigger();
+        QVERIFY(dialogs->msgBoxes.isEmpty());
+        QCOMPARE(gMainForm->NodeKey(gMainForm->SelectedNode()), QString("key1key4"));
+        const int row = gMainForm->SelectedListIndex();
+        QVERIFY(row >= 0);
+        QCOMPARE(gMainForm->ListItemTag(row), QString::number(stored));
+
+        // A title whose platform is hidden is found under the root.
+        gDatabase->Execute("update platform set visible = false where idplatform = 1");
+        FillTree(1, "");
+        gMainForm->ToolbarButton("finddisc")->trigger();
+        QCOMPARE(gMainForm->NodeKey(gMainForm->SelectedNode()), QString("root"));
+        QCOMPARE(gMainForm->ListItemTag(gMainForm->SelectedListIndex()), QString::number(stored));
+    }
+
+    void unknownDiscAndNoDrive() {
+        const QString cue = MakeCue(images->path(), "new", "Fresh Album", "",
+                                    {{"00:00:00", ""}, {"01:00:00", ""}, {"02:00:00", ""}});
+        SetDiscDriveLocator([cue] { return cue; });
+        SelectNode("root");
+        const QString keyBefore = gMainForm->NodeKey(gMainForm->SelectedNode());
+
+        gMainForm->activateWindow();
+        QTest::keyClick(gMainForm, Qt::Key_D, Qt::ControlModifier);
+        // 30600: the start times 0:02:00, 1:02:00 and 2:02:00 packed as 0x000200, 0x010200 and
+        // 0x020200, added up.
+        QCOMPARE(dialogs->takeBoxes(),
+                 Boxes({{"The disc \"Fresh Album\" (30600) is not in the catalogue.", vbInformation,
+                         "Find this disc"}}));
+
+        // No drive, and the offered image declined: one box, nothing changes.
+        SetDiscDriveLocator([] { return QString(); });
+        dialogs->answerMsgBox(vbNo);
+        gMainForm->ToolbarButton("finddisc")->trigger();
+        QCOMPARE(dialogs->takeBoxes(),
+                 Boxes({{"No CD drive was found.\n\nRead the disc from an image file (cue sheet, "
+                         "toc or nrg) instead?",
+                         vbYesNo + vbExclamation, "Find this disc"}}));
+        QCOMPARE(gMainForm->NodeKey(gMainForm->SelectedNode()), keyBefore);
+    }
 };
 
-VELMORA_TEST_MAIN(frmEditDiscTest)
-#include "frmEdit_disc_test.moc"
+VELMORA_TEST_MAIN(ReadDiscTest)
+#include "readdisc_test.moc"

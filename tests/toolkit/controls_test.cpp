@@ -1,0 +1,654 @@
+// The toolkit's own controls: the gold button (its edges, caption, skins, pictures and events),
+// the divider between two panes, dragged with the real mouse events of its frame, the owner-drawn
+// menus (the caption grammar, the conversion of the main window's menus, their help texts in the
+// status bar and their accelerators), the animated GIF control, and the pictures they show.
+
+#include <QDir>
+#include <QFrame>
+#include <QListWidget>
+#include <QMenu>
+#include <QRubberBand>
+
+#include "shell/frmMain.h"
+#include "support/testsupport.h"
+#include "toolkit/AnimatedGifCtl.h"
+#include "toolkit/WndCoolMenu.h"
+#include "toolkit/cVSplitter.h"
+#include "toolkit/ctlGoldButton.h"
+#include "toolkit/gifbuilder.h"
+#include "toolkit/imagelists.h"
+#include "toolkit/mCoolMenu.h"
+
+namespace {
+
+constexpr int kW = 80;
+constexpr int kH = 25;
+const QPoint kCentre(kW / 2, kH / 2);
+
+// A palette whose 3D colours are all different, as on the classic grey desktop, and glyphs
+// without smoothing, so every inked pixel has exactly the caption's colour.
+void Prepare(ctlGoldButton& button, const QString& caption = QString()) {
+    QPalette palette;
+    palette.setColor(QPalette::Button, QColor(192, 192, 192));
+    palette.setColor(QPalette::Light, QColor(255, 255, 255));
+    palette.setColor(QPalette::Midlight, QColor(223, 223, 223));
+    palette.setColor(QPalette::Dark, QColor(128, 128, 128));
+    palette.setColor(QPalette::Shadow, QColor(0, 0, 0));
+    palette.setColor(QPalette::ButtonText, QColor(0, 0, 0));
+    button.setPalette(palette);
+    QFont font("DejaVu Sans");
+    font.setPixelSize(12);
+    font.setStyleStrategy(QFont::NoAntialias);
+    button.setFont(font);
+    button.resize(kW, kH);
+    button.setCaption(caption);
+    button.move(300, 300);
+    button.show();
+    if (!QTest::qWaitForWindowExposed(&button)) qWarning("button not exposed");
+}
+
+QImage Shot(ctlGoldButton& button) {
+    return button.grab().toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+QList<QPoint> Pixels(const QImage& image, QRgb colour, const QRect& area) {
+    QList<QPoint> found;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        for (int x = area.left(); x <= area.right(); ++x) {
+            if (image.pixel(x, y) == colour) found.append(QPoint(x, y));
+        }
+    }
+    return found;
+}
+
+QRect Ink(const QImage& image, QRgb colour) {
+    QRect box;
+    for (const QPoint& p : Pixels(image, colour, QRect(0, 0, kW, kH))) box |= QRect(p, QSize(1, 1));
+    return box;
+}
+
+// A move with no button held, as the pointer passes over the button.
+void Hover(ctlGoldButton& button, const QPoint& pos = kCentre) {
+    QMouseEvent move(QEvent::MouseMove, pos, button.mapToGlobal(pos), Qt::NoButton, Qt::NoButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(&button, &move);
+}
+
+QPixmap Solid(const QColor& colour) {
+    QPixmap pixmap(8, 8);
+    pixmap.fill(colour);
+    return pixmap;
+}
+
+// A skin whose every pixel says, in green, which of its five cells it lies in.
+QPixmap LabelledSkin() {
+    QImage skin(82, 115, QImage::Format_RGB32);
+    for (int y = 0; y < skin.height(); ++y) {
+        for (int x = 0; x < skin.width(); ++x) skin.setPixel(x, y, qRgb(0, y / 23 * 50, 77));
+    }
+    return QPixmap::fromImage(skin);
+}
+
+// The skin cell a pixel came from; -1 for the plain face.
+int CellAt(const QImage& shot, const QPoint& p) {
+    const QRgb pixel = shot.pixel(p);
+    return qBlue(pixel) == 77 ? qGreen(pixel) / 50 : -1;
+}
+
+// The cell drawn as the body and the cell drawn as the frame; -2 for a body or a frame
+// that mixes cells.
+QPair<int, int> SkinLook(ctlGoldButton& button) {
+    const QImage shot = Shot(button);
+    const int body = CellAt(shot, kCentre), edge = CellAt(shot, {0, 0});
+    const bool oneBody = CellAt(shot, {2, 2}) == body && CellAt(shot, {kW - 3, kH - 3}) == body;
+    const bool oneEdge = CellAt(shot, {0, kH / 2}) == edge &&
+                         CellAt(shot, {kW / 2, kH - 1}) == edge &&
+                         CellAt(shot, {kW - 1, kH / 2}) == edge;
+    return {oneBody ? body : -2, oneEdge ? edge : -2};
+}
+
+// The two panes and their divider in a window of their own.
+struct Panes {
+    QWidget form;
+    QListWidget* left = new QListWidget(&form);
+    QListWidget* right = new QListWidget(&form);
+    QFrame* divider = new QFrame(&form);
+    cVSplitter splitter;
+
+    explicit Panes(bool tracking) {
+        form.resize(600, 400);
+        divider->setGeometry(200, 0, 4, 10);
+        splitter.SetControls(&form, left, right, divider);
+        splitter.SetTrackSplit(tracking);
+        splitter.SetTop(30);
+        splitter.SetHeightOffset(20);
+        form.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&form));
+    }
+    void Press(int x) { QTest::mousePress(divider, Qt::LeftButton, {}, QPoint(x, 5)); }
+    void Move(int x) { QTest::mouseMove(divider, QPoint(x, 5)); }
+    void Release(int x) { QTest::mouseRelease(divider, Qt::LeftButton, {}, QPoint(x, 5)); }
+};
+
+// Black, red, green, blue.
+const QByteArray kGlobalTable("\x00\x00\x00\xFF\x00\x00\x00\xFF\x00\x00\x00\xFF", 12);
+// White, yellow, cyan, and red again, so the transparent red shares its colour.
+const QByteArray kLocalTable("\xFF\xFF\xFF\xFF\xFF\x00\x00\xFF\xFF\xFF\x00\x00", 12);
+
+TestGifFrame Filled(int left, int top, int width, int height, unsigned char index) {
+    TestGifFrame frame;
+    frame.left = left;
+    frame.top = top;
+    frame.width = width;
+    frame.height = height;
+    frame.pixels = QList<unsigned char>(width * height, index);
+    return frame;
+}
+
+QStringList TempFrameFiles() {
+    return QDir(QDir::tempPath()).entryList({"*.CUSTOM"}, QDir::Files);
+}
+
+// The icon's own picture: the size it was drawn at, and not a blank square.
+void VerifyIcon(const QIcon& icon, int size, const QString& name) {
+    QVERIFY2(!icon.isNull(), qPrintable(name));
+    QCOMPARE(icon.availableSizes(), QList<QSize>{QSize(size, size)});
+    const QImage image = icon.pixmap(size, size).toImage();
+    QCOMPARE(image.size(), QSize(size, size));
+    QVERIFY2(image.pixelColor(size / 2, size / 2).alpha() > 0 ||
+                 image.pixelColor(size / 2 - 2, size / 2 + 2).alpha() > 0,
+             qPrintable(name));
+}
+
+}  // namespace
+
+class ControlsTest : public QObject {
+    Q_OBJECT
+
+  private slots:
+    void edgesAndCaptionFollowThePress() {
+        ctlGoldButton button;
+        Prepare(button, "Add");
+        const QRgb face = qRgb(192, 192, 192), light = qRgb(255, 255, 255),
+                   midlight = qRgb(223, 223, 223), dark = qRgb(128, 128, 128),
+                   black = qRgb(0, 0, 0);
+        // Outer and inner top-left, top-right corner, outer and inner bottom-right.
+        auto edges = [&] {
+            const QImage s = Shot(button);
+            return QList<QRgb>{s.pixel(0, 0), s.pixel(1, 1), s.pixel(kW - 1, 0),
+                               s.pixel(kW - 1, kH - 1), s.pixel(kW - 2, kH - 2)};
+        };
+        using rgb = QList<QRgb>;
+        QCOMPARE(edges(), rgb({light, face, dark, dark, face}));
+        button.setOnUp(ctlGoldButton::edgeSunkenOuter);
+        QCOMPARE(edges(), rgb({dark, face, light, light, face}));
+        button.setOnUp(ctlGoldButton::edgeRaisedInner);
+
+        const quint32 red = ctlGoldButton::RGB(255, 0, 0), blue = ctlGoldButton::RGB(0, 0, 255);
+        const QRgb redInk = qRgb(255, 0, 0), blueInk = qRgb(0, 0, 255);
+        button.setForeColor(red);
+        button.setDownColor(red);
+        button.setHoverColor(blue);
+        // Centred beside a picture, and right aligned without one: both sides of the caption's
+        // box move with the press.
+        button.setPicture(Solid(QColor(0, 255, 0)));
+        for (int alignment : {ctlGoldButton::vbCenter, ctlGoldButton::vbRightJustify}) {
+            button.setAlignment(alignment);
+            const QRect atRest = Ink(Shot(button), redInk);
+            QVERIFY(!atRest.isEmpty());
+
+            Hover(button);
+            QCOMPARE(Ink(Shot(button), blueInk), atRest);
+            QCOMPARE(edges(), rgb({midlight, light, black, black, dark}));
+            QTest::mousePress(&button, Qt::LeftButton, {}, kCentre);
+            QCOMPARE(Ink(Shot(button), redInk), atRest.translated(1, 1));
+            QCOMPARE(edges(), rgb({dark, black, light, light, midlight}));
+            // Dragged out while held it shows the hover look, and pressed again when back inside.
+            QTest::mouseMove(&button, QPoint(kW + 10, 5));
+            QCOMPARE(Ink(Shot(button), blueInk), atRest);
+            QTest::mouseMove(&button, kCentre);
+            QCOMPARE(Ink(Shot(button), redInk), atRest.translated(1, 1));
+            QTest::mouseRelease(&button, Qt::LeftButton, {}, kCentre);
+            QCOMPARE(Ink(Shot(button), redInk), atRest);
+            button.setPicture(QPixmap());
+        }
+    }
+
+    void skinCellsFollowTheState() {
+        ctlGoldButton button;
+        Prepare(button);
+        button.setSkinPicture(LabelledSkin());
+        button.setStyle(ctlGoldButton::bsSkin);
+        using Look = QPair<int, int>;
+
+        // At rest the body follows OnDown (10: cell 4) and the frame OnUp (4: cell 1).
+        QCOMPARE(SkinLook(button), Look(4, 1));
+        Hover(button);
+        QCOMPARE(SkinLook(button), Look(3, 3));
+        QTest::mousePress(&button, Qt::LeftButton, {}, kCentre);
+        QCOMPARE(SkinLook(button), Look(4, 4));
+        QTest::mouseRelease(&button, Qt::LeftButton, {}, kCentre);
+        button.setEnabled(false);
+        QCOMPARE(SkinLook(button), Look(4, 1));
+        button.setEnabled(true);
+
+        button.setOnUp(ctlGoldButton::edgeNone);
+        QCOMPARE(SkinLook(button), Look(4, 0));
+        button.setOnDown(ctlGoldButton::edgeSunkenOuter);
+        Hover(button);
+        QTest::mousePress(&button, Qt::LeftButton, {}, kCentre);
+        QCOMPARE(SkinLook(button), Look(2, 2));
+    }
+
+    void picturesFollowTheState() {
+        ctlGoldButton button;
+        Prepare(button);
+        button.setAlignment(ctlGoldButton::vbLeftJustify);
+        const QColor red(255, 0, 0), green(0, 255, 0), blue(0, 0, 255), yellow(255, 255, 0);
+        button.setPicture(Solid(red));
+        button.setPictureHover(Solid(green));
+        button.setPictureDown(Solid(blue));
+        button.setPictureDisabled(Solid(yellow));
+        // An 8-pixel picture sits 4 pixels from the left, at (25 - 8) / 2 + 0.5 = 9 from the top,
+        // and one pixel further right and down while pressed.
+        auto at = [&](int x, int y) { return QColor(Shot(button).pixel(x, y)); };
+        QCOMPARE(Ink(Shot(button), red.rgb()), QRect(4, 9, 8, 8));
+        Hover(button);
+        QCOMPARE(at(4, 9), green);
+        QTest::mousePress(&button, Qt::LeftButton, {}, kCentre);
+        QCOMPARE(Ink(Shot(button), blue.rgb()), QRect(5, 10, 8, 8));
+        // Without a pressed picture the hover one stands in, and without that the plain one.
+        button.setPictureDown(QPixmap());
+        QTest::mouseMove(&button, QPoint(kCentre.x() + 1, kCentre.y()));
+        QCOMPARE(at(5, 10), green);
+        button.setPictureHover(QPixmap());
+        QTest::mouseMove(&button, kCentre);
+        QCOMPARE(at(5, 10), red);
+        QTest::mouseRelease(&button, Qt::LeftButton, {}, kCentre);
+        button.setEnabled(false);
+        QCOMPARE(at(4, 9), yellow);
+    }
+
+    void disabledCaptionIsDrawnInRelief() {
+        ctlGoldButton button;
+        Prepare(button, "Add");
+        const QRect inside(2, 2, kW - 4, kH - 4);
+        // The light copy is the dark one moved one pixel right and down, partly covered by it.
+        auto checkRelief = [&](QRgb lightColour, QRgb darkColour) {
+            const QImage shot = Shot(button);
+            const QList<QPoint> light = Pixels(shot, lightColour, inside);
+            const QList<QPoint> dark = Pixels(shot, darkColour, inside);
+            QVERIFY(!light.isEmpty() && !dark.isEmpty());
+            for (const QPoint& p : light) QVERIFY(dark.contains(p - QPoint(1, 1)));
+            for (const QPoint& p : dark)
+                QVERIFY(light.contains(p + QPoint(1, 1)) || dark.contains(p + QPoint(1, 1)));
+        };
+        QVERIFY(Pixels(Shot(button), qRgb(255, 255, 255), inside).isEmpty());
+        button.setEnabled(false);
+        checkRelief(qRgb(255, 255, 255), qRgb(128, 128, 128));
+
+        // With a skin the relief takes the skin's own colours.
+        button.setSkinHighlight(ctlGoldButton::RGB(255, 0, 0));
+        button.setSkinDisabledText(ctlGoldButton::RGB(0, 0, 255));
+        checkRelief(qRgb(255, 255, 255), qRgb(128, 128, 128));
+        button.setSkinPicture(QPixmap(":/skins/goldbutton.png"));
+        button.setStyle(ctlGoldButton::bsSkin);
+        checkRelief(qRgb(255, 0, 0), qRgb(0, 0, 255));
+    }
+
+    void clickComesBeforeMouseUp() {
+        ctlGoldButton button;
+        Prepare(button, "Add");
+        button.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&button));
+        QStringList events;
+        connect(&button, &ctlGoldButton::Click, [&] { events << "Click"; });
+        connect(&button, &ctlGoldButton::MouseDown, [&] { events << "MouseDown"; });
+        connect(&button, &ctlGoldButton::MouseMove, [&] { events << "MouseMove"; });
+        connect(&button, &ctlGoldButton::MouseUp, [&] { events << "MouseUp"; });
+        QSignalSpy downs(&button, &ctlGoldButton::MouseDown);
+
+        QTest::mousePress(&button, Qt::LeftButton, Qt::ShiftModifier, QPoint(10, 12));
+        QTest::mouseRelease(&button, Qt::LeftButton, {}, QPoint(10, 12));
+        QCOMPARE(events, QStringList({"MouseDown", "Click", "MouseUp"}));
+        QCOMPARE(downs[0],
+                 QVariantList({ctlGoldButton::vbLeftButton, ctlGoldButton::vbShiftMask, 10, 12}));
+
+        // Released outside, or clicked with the right button: no Click.
+        events.clear();
+        QTest::mousePress(&button, Qt::LeftButton, {}, kCentre);
+        QTest::mouseMove(&button, QPoint(kW + 5, kCentre.y()));
+        QTest::mouseRelease(&button, Qt::LeftButton, {}, QPoint(kW + 5, kCentre.y()));
+        QTest::mouseClick(&button, Qt::RightButton, {}, kCentre);
+        QCOMPARE(events,
+                 QStringList({"MouseDown", "MouseMove", "MouseUp", "MouseDown", "MouseUp"}));
+
+        // Space clicks at key-up only, and only after its own key-down.
+        events.clear();
+        button.setFocus();
+        QTest::keyPress(&button, Qt::Key_Space);
+        QCOMPARE(events, QStringList());
+        QTest::keyRelease(&button, Qt::Key_Space);
+        QTest::keyRelease(&button, Qt::Key_Space);
+        QCOMPARE(events, QStringList({"Click"}));
+    }
+
+    void layoutAndProperties() {
+        Panes window(true);
+        QCOMPARE(window.splitter.Left(), 200L);
+        // Sunken panes overlap the divider by their border.
+        QCOMPARE(window.left->geometry(), QRect(0, 30, 201, 350));
+        QCOMPARE(window.right->geometry(), QRect(202, 30, 600 - 203 + 1, 350));
+        QCOMPARE(window.divider->geometry(), QRect(200, 30, 3, 350));
+
+        window.splitter.SetLeft(-5);
+        window.splitter.SetTop(-1);
+        window.splitter.SetHeightOffset(-1);
+        window.splitter.SetWidth(0);
+        QCOMPARE(window.splitter.Left(), 200L);
+        QCOMPARE(window.splitter.Top(), 30L);
+        QCOMPARE(window.splitter.HeightOffset(), 20L);
+        QCOMPARE(window.splitter.Width(), 3);
+
+        window.splitter.SetLeft(150);
+        QCOMPARE(window.left->width(), 151);
+
+        // A window too low for the panes leaves them where they were.
+        const QRect before = window.right->geometry();
+        window.form.resize(600, 40);
+        QCOMPARE(window.right->geometry(), before);
+        // Growing keeps the divider's pixel place.
+        window.form.resize(800, 500);
+        QCOMPARE(window.splitter.Left(), 150L);
+        QCOMPARE(window.right->geometry(), QRect(152, 30, 800 - 153 + 1, 450));
+
+        // A missing pane is refused; the divider keeps the panes it has.
+        ScriptedDialogs dialogs;
+        QVERIFY(!window.splitter.SetControls(&window.form, window.left, nullptr, window.divider));
+        QCOMPARE(dialogs.msgBoxes,
+                 Boxes({{"Pane must be a window (have a window handle).", vbOKOnly, "Velmora"}}));
+        window.splitter.SetLeft(120);
+        QCOMPARE(window.left->width(), 121);
+    }
+
+    void dragClampsAtBothEdges() {
+        Panes window(true);
+        const long minPane = window.splitter.MinPane();
+        QVERIFY(minPane > 0);
+        window.Press(1);
+        QVERIFY(window.splitter.Splitting());
+        window.Move(-500);
+        QCOMPARE(window.splitter.Left(), minPane);
+        QCOMPARE(window.left->width(), int(minPane) + 1);
+        window.Move(2000);
+        QCOMPARE(window.splitter.Left(), 600 - (3 + minPane));
+        window.Release(2000);
+        QVERIFY(!window.splitter.Splitting());
+        QCOMPARE(window.divider->x(), int(600 - (3 + minPane)));
+    }
+
+    void escapeCancelsADrag() {
+        for (const bool tracking : {true, false}) {
+            Panes window(tracking);
+            const QRect left = window.left->geometry();
+            window.Press(1);
+            window.Move(-100);
+            QCOMPARE(window.splitter.GhostBar() != nullptr, !tracking);
+            QCOMPARE(window.left->geometry() != left, tracking);
+            QTest::keyClick(&window.form, Qt::Key_Escape);
+            QVERIFY(!window.splitter.Splitting());
+            QVERIFY(!window.splitter.GhostBar());
+            QCOMPARE(window.splitter.Left(), 200L);
+            QCOMPARE(window.left->geometry(), left);
+        }
+    }
+
+    void ghostBarMovesThePanesAtTheEnd() {
+        Panes window(false);
+        window.Press(1);
+        window.Move(-50);
+        QRubberBand* bar = window.splitter.GhostBar();
+        QVERIFY(bar);
+        QCOMPARE(bar->geometry(), QRect(150, 30, 3, 350));
+        QCOMPARE(window.left->width(), 201);
+        window.Release(-50);
+        QVERIFY(!window.splitter.GhostBar());
+        QCOMPARE(window.left->width(), 151);
+    }
+
+    void captionGrammar() {
+        // A caption, what it converts to, and that it is given back as it was.
+        const struct {
+            const char *caption, *text, *help;
+            bool separator, mark, check;
+        } captions[] = {
+            {"&Plain item", "&Plain item", "", false, false, false},
+            {"|Add a new CD-title|&New CD-title", "&New CD-title", "Add a new CD-title", false,
+             false, false},
+            {"-", "", "", true, false, false},
+            {"-|Section help|Recent", "Recent", "Section help", true, false, false},
+            {"-Recent", "Recent", "", true, false, false},
+            {"#|Show the tree|&Tree", "&Tree", "Show the tree", false, true, true},
+            {"#Tree", "Tree", "", false, true, true},
+            {"*&Large", "&Large", "", false, true, false},
+            // A numbered recent entry is marked, not checked, and keeps its text.
+            {"&1 data.gdb", "&1 data.gdb", "", false, true, false},
+            {"&0 data.gdb", "&0 data.gdb", "", false, false, false},
+            {"&1data.gdb", "&1data.gdb", "", false, false, false},
+        };
+        for (const auto& c : captions) {
+            const CMyItemData item = ParseMenuCaption(c.caption);
+            QCOMPARE(item.sMenuText, QString(c.text));
+            QCOMPARE(item.sMenuHelp, QString(c.help));
+            QCOMPARE(item.fType, c.separator ? kMenuSeparatorType : 0);
+            QCOMPARE(item.bAsMark, c.mark);
+            QCOMPARE(item.bAsCheck, c.check);
+            QCOMPARE(RebuildMenuCaption(item), QString(c.caption));
+        }
+    }
+
+    void imagesFoundByTag() {
+        const QList<ListImage> images{{"a", "", {}}, {"b", "Search for CD", {}}, {"c", "Add", {}}};
+        QCOMPARE(FindImage(images, "search for cd"), 2);
+        QCOMPARE(FindImage(images, "Add a new folder"), 3);
+        QCOMPARE(FindImage(images, "Search"), 2);
+        QCOMPARE(FindImage(images, "Delete"), 0);
+        QCOMPARE(FindImage(images, ""), 0);
+    }
+
+    void mainWindowMenus() {
+        TempProgramFolder folder;
+        folder.installCatalogue();
+        frmMain* form = StartProgram();
+        QVERIFY(form);
+
+        // Converted from their source captions, with pictures found by their help.
+        QCOMPARE(form->mnuNewCD->text(), QString("&New CD-title"));
+        QVERIFY(form->mnuSeperator4->isSeparator());
+        for (QAction* item :
+             {form->mnuViewProperties, form->mnuNewCD, form->mnuRenameCD, form->mnuDeleteCD,
+              form->mnuSearchCD1, form->mnuListviewMaintenance, form->mnuReadRecordsFromFolder,
+              form->mnuAddFolder, form->mnuRenameFolder, form->mnuDeleteFolder, form->mnuHideFolder,
+              form->mnuSearchCD2, form->mnuTreeviewMaintenance})
+            QVERIFY2(!item->icon().isNull(), qPrintable(item->objectName()));
+        CMyItemData* item = CoolMenuItem(form->mnuHideFolder);
+        QVERIFY(item);
+        QCOMPARE(item->sMenuHelp, QString("Hide a folder"));
+        // A second conversion keeps every item's object.
+        ConvertMenu(form->mnuTreeviewContext, CoolMenuWindow(form), true);
+        QCOMPARE(CoolMenuItem(form->mnuHideFolder), item);
+        QCOMPARE(form->mnuHideFolder->text(), QString("&Hide"));
+
+        // The help of the item under the pointer, then under the keys, reaches the status bar.
+        QMenu* menu = form->mnuListviewContext;
+        for (QAction* action : menu->actions()) action->setEnabled(true);
+        menu->popup(form->mapToGlobal(QPoint(40, 80)));
+        QVERIFY(QTest::qWaitForWindowExposed(menu));
+        QTest::mouseMove(menu, menu->actionGeometry(form->mnuDeleteCD).center());
+        QTRY_COMPARE(form->PanelText(1), QString("Delete the CD-title"));
+        QTest::keyClick(menu, Qt::Key_Down);
+        QTRY_COMPARE(form->PanelText(1), QString("Search for CD"));
+        // The menu is drawn by the program: the selection bar lies under the selected item.
+        const QImage drawn = menu->grab().toImage();
+        const QRect selected = menu->actionGeometry(form->mnuSearchCD1);
+        const QColor bar = drawn.pixelColor(selected.right() - 3, selected.center().y());
+        QVERIFY(bar == menu->palette().color(QPalette::Active, QPalette::Highlight) ||
+                bar == menu->palette().color(QPalette::Inactive, QPalette::Highlight));
+        // An accelerator picks its item.
+        QSignalSpy picked(form->mnuDeleteCD, &QAction::triggered);
+        QTest::keyClick(menu, Qt::Key_D);
+        QTRY_VERIFY(!menu->isVisible());
+        QCOMPARE(picked.count(), 1);
+        QCOMPARE(form->PanelText(1), QString());
+
+        EndProgram();
+    }
+
+    void framesOfDifferentSizesAndTablesAreCutAndDrawn() {
+        ScriptedDialogs dialogs;
+        TestGifFrame first = Filled(0, 0, 4, 3, 1);
+        first.delay = 7;
+        TestGifFrame wide = Filled(2, 1, 40, 2, 2);
+        wide.localTable = kLocalTable;
+        wide.disposal = 2;
+        AnimatedGifCtl gif;
+        gif.SetUserDelay(500);
+        gif.LoadGifData(BuildGif(8, 4, kGlobalTable, {first, wide}));
+        QVERIFY(gif.bValidGif());
+        QCOMPARE(gif.NumberofFrames(), 1);
+        QCOMPARE(gif.UserDelay(), 1);
+        QVERIFY(TempFrameFiles().isEmpty());
+        const GifStream& s = gif.Stream();
+        QCOMPARE(s.frames[0].iDelay, 7);
+        QVERIFY(s.frames[1].bLocalTable);
+        QCOMPARE(s.frames[1].iWidth, 40);
+        // The wide frame widens the canvas, rounded up to 32 pixels.
+        QCOMPARE(gif.Canvas().size(), QSize(64, 4));
+        QCOMPARE(gif.FramePicture(0).pixel(0, 0), qRgb(255, 0, 0));
+        QCOMPARE(gif.FramePicture(1).size(), QSize(40, 2));
+        QCOMPARE(gif.FramePicture(1).pixel(0, 0), qRgb(0, 255, 255));
+        QCOMPARE(gif.Canvas().pixel(3, 2), qRgb(255, 0, 0));
+        // The second frame clears the canvas first, then lands at its own place.
+        gif.RenderGif(1);
+        QCOMPARE(gif.Canvas().pixel(0, 0), gif.BackColor().rgb());
+        QCOMPARE(gif.Canvas().pixel(2, 1), qRgb(0, 255, 255));
+        QVERIFY(dialogs.msgBoxes.isEmpty());
+    }
+
+    void transparencyMasksTheKeyAndRepairsASharedColour() {
+        TestGifFrame base = Filled(0, 0, 2, 2, 3);
+        TestGifFrame overlay = Filled(0, 0, 2, 2, 3);
+        overlay.pixels = {3, 1, 1, 3};
+        // White, red, cyan, and red again at the transparent entry.
+        overlay.localTable = QByteArray("\xFF\xFF\xFF\xFF\x00\x00\x00\xFF\xFF\xFF\x00\x00", 12);
+        overlay.transparent = true;
+        overlay.transparentIndex = 3;
+        AnimatedGifCtl gif;
+        gif.LoadGifData(BuildGif(2, 2, kGlobalTable, {base, overlay}));
+        QVERIFY(gif.bValidGif());
+        // The key got a colour of its own, half the second-largest colour value of the table.
+        const GifPalette& palette = gif.Stream().frames[1].abFramePalette;
+        const int largestButOne = 0xFFFF00;  // cyan, red in the low byte
+        const int repaired = qRound(largestButOne / 2.0);
+        QCOMPARE(palette[9] | (palette[10] << 8) | (palette[11] << 16), repaired);
+        gif.RenderGif(1);
+        QCOMPARE(gif.Canvas().pixel(0, 0), qRgb(0, 0, 255));
+        QCOMPARE(gif.Canvas().pixel(1, 0), qRgb(255, 0, 0));
+        QCOMPARE(gif.Canvas().pixel(1, 1), qRgb(0, 0, 255));
+
+        gif.ChangeTransparentColor = false;
+        gif.LoadGifData(BuildGif(2, 2, kGlobalTable, {base, overlay}));
+        QCOMPARE(gif.Stream().frames[1].abFramePalette[9], static_cast<unsigned char>(0xFF));
+    }
+
+    void timerPlaysEveryFrameWithItsDelay() {
+        TestGifFrame slow = Filled(0, 0, 1, 1, 1);
+        slow.delay = 20;
+        TestGifFrame instant = Filled(0, 0, 1, 1, 2);
+        AnimatedGifCtl gif;
+        gif.LoadGifData(BuildGif(1, 1, kGlobalTable, {slow, instant}));
+        QVERIFY(!gif.TimerRunning());
+        gif.StartTimer();
+        QCOMPARE(gif.TimerInterval(), 250);
+        QTRY_COMPARE(gif.CurrentFrame(), 1);
+        QCOMPARE(gif.TimerInterval(), 201);
+        QTRY_COMPARE(gif.CurrentFrame(), 0);
+        // A delay of 0 plays at the user delay alone.
+        QCOMPARE(gif.TimerInterval(), 1);
+        gif.StopTimer();
+        QVERIFY(!gif.TimerRunning());
+        gif.SetUserDelay("fast");
+        QCOMPARE(gif.UserDelay(), 10);
+        gif.SetUserDelay(5000);
+        QCOMPARE(gif.UserDelay(), 1000);
+    }
+
+    void badStreamsFailCleanly() {
+        ScriptedDialogs dialogs;
+        AnimatedGifCtl gif;
+        gif.LoadGifData("PNG not a picture at all");
+        QVERIFY(!gif.bValidGif());
+        QCOMPARE(
+            dialogs.takeBoxes(),
+            Boxes(
+                {{"Sorry, not an Animated Gif file", vbOKOnly, "Not a Valid Animated Gif File!"},
+                 {"Sorry, you must first load a valid Animated Gif file.", vbOKOnly, "Velmora"}}));
+        gif.StartTimer();
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"Sorry, you must first load an Animated Gif file", vbOKOnly, "Velmora"}}));
+
+        const QByteArray whole = BuildGif(4, 4, kGlobalTable, {Filled(0, 0, 4, 4, 1)});
+        for (int cut : {5, 20, 30, static_cast<int>(whole.size()) - 3}) {
+            gif.LoadGifData(whole.left(cut));
+            QVERIFY2(!gif.bValidGif(), qPrintable(QString::number(cut)));
+            QVERIFY(dialogs.msgBoxes.isEmpty());
+        }
+        // "GIF8" and anything after it passes the signature test.
+        gif.LoadGifData("GIF8" + whole.mid(4));
+        QVERIFY(gif.bValidGif());
+    }
+
+    void theSpinnerResourcePlays() {
+        AnimatedGifCtl gif;
+        gif.LoadGif(100);
+        QVERIFY(gif.bValidGif());
+        QVERIFY(gif.NumberofFrames() >= 7);
+        for (int frame = 0; frame <= gif.NumberofFrames(); ++frame)
+            QVERIFY(!gif.FramePicture(frame).isNull());
+        QVERIFY(TempFrameFiles().isEmpty());
+    }
+
+    void everyKeyHasItsIcon() {
+        for (const QString key :
+             {"foldersclosed", "foldersopen", "closefolder", "openfolder", "searchclosed",
+              "searchopen", "tree", "folders", "searchinfolder", "searchinfolderopen"})
+            VerifyIcon(Imagelist16(key), 16, key);
+        for (int index = 1; index <= 6; ++index)
+            VerifyIcon(PlatformIcon16(index), 16, QString::number(index));
+        for (const QString key : {"addcd", "modifycd", "deletecd", "structure", "search", "import",
+                                  "export", "help", "update", "quit"})
+            VerifyIcon(ToolbarIcon24(key), 24, key);
+
+        QVERIFY(Imagelist16("maintenance").isNull());
+        QVERIFY(PlatformIcon16(0).isNull());
+        QVERIFY(PlatformIcon16(7).isNull());
+        QVERIFY(ToolbarIcon24("maintenance").isNull());
+    }
+
+    void applicationPictures() {
+        const QPixmap splash = SplashPicture();
+        QCOMPARE(splash.size(), QSize(400, 260));
+        // The labels sit on the lower 90 pixels, which are one plain colour.
+        const QImage image = splash.toImage();
+        const QRgb plain = image.pixel(0, 259);
+        for (int y = 175; y < 260; y += 7)
+            for (int x = 0; x < 400; x += 9) QCOMPARE(image.pixel(x, y), plain);
+
+        const QIcon icon = AppIcon();
+        QCOMPARE(icon.availableSizes(), QList<QSize>({QSize(48, 48), QSize(256, 256)}));
+        QCOMPARE(icon.pixmap(256, 256).size(), QSize(256, 256));
+    }
+};
+
+VELMORA_TEST_MAIN(ControlsTest)
+#include "controls_test.moc"
