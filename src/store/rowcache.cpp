@@ -211,14 +211,10 @@ int CachedRow::Compare(const CachedRow& a, const CachedRow& b, int column, TextO
             const std::string_view y(right.bytes, right.size);
             if (order == TextOrder::Jet) return jettext::CompareUtf8(x, y);
             if (order == TextOrder::NoCase) {
-                // SQLite's NOCASE folds A to Z only.
-                const auto fold = [](char c) {
-                    const auto byte = static_cast<unsigned char>(c);
-                    return byte >= 'A' && byte <= 'Z' ? byte + ('a' - 'A') : byte;
-                };
                 const size_t common = std::min(x.size(), y.size());
-                for (size_t i = 0; i < common; ++i)
-                    if (fold(x[i]) != fold(y[i])) return fold(x[i]) < fold(y[i]) ? -1 : 1;
+                const int byLetters =
+                    sqlite3_strnicmp(x.data(), y.data(), static_cast<int>(common));
+                if (byLetters != 0) return sign(byLetters);
                 return sign(static_cast<qint64>(x.size()) - static_cast<qint64>(y.size()));
             }
             return sign(x.compare(y));
