@@ -87,10 +87,13 @@ void frmMain::BuildWindow() {
 
 void frmMain::SetMousePointer(int pointer) {
     mousePointer_ = pointer;
-    if (pointer == vbHourglass)
+    if (pointer == vbHourglass) {
         setCursor(Qt::WaitCursor);
-    else
+        if (!hourglassBusy_) hourglassBusy_.emplace();
+    } else {
         unsetCursor();
+        hourglassBusy_.reset();
+    }
 }
 
 QString frmMain::PanelText(int panel) const {
@@ -127,6 +130,8 @@ void frmMain::SetColours() {
 }
 
 void frmMain::Form_Load() {
+    // The start-up pumps events (the splash's status line): a close meanwhile waits for it.
+    const BusyScope starting;
     loading_ = true;
     updateInProgress = false;
     bReadRecordsNow = true;

@@ -10,6 +10,9 @@
 #include <QTreeWidget>
 #include <functional>
 #include <memory>
+#include <optional>
+
+#include "toolkit/longwork.h"
 
 class HelpCallBack;
 class SingleInstance;
@@ -249,6 +252,8 @@ class frmMain : public QMainWindow {
     bool RunUpdate(QString& updateProgram);
 
     int mousePointer_ = 0;
+    // The hourglass is the window's busy flag: while it shows, a close waits.
+    std::optional<BusyScope> hourglassBusy_;
     bool loading_ = false;
     bool unloaded_ = false;
     QList<StatusPanel*> panels_;

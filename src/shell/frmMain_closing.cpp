@@ -10,6 +10,7 @@
 #include "store/catalogue.h"
 #include "store/frmPerformAction.h"
 #include "store/guardedfile.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mCoolMenu.h"
 #include "toolkit/mRegistry.h"
 #include "toolkit/vbruntime.h"
@@ -50,7 +51,14 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 bool frmMain::Form_QueryUnload() {
-    return MousePointer() == vbArrow;
+    if (MousePointer() == vbArrow && !ProgramIsBusy()) return true;
+    // Work that pumps events is still using the catalogue and its windows: the close is
+    // refused now and made once that work has returned.
+    if (ProgramIsBusy())
+        RunWhenIdle([] {
+            if (gMainForm) gMainForm->close();
+        });
+    return false;
 }
 
 void frmMain::Form_Unload() {

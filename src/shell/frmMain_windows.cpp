@@ -8,6 +8,8 @@
 #include "search/frmFind.h"
 #include "shell/frmMain.h"
 #include "store/guardedfile.h"
+#include "toolkit/guardeddialog.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mHelp.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vberror.h"
@@ -46,10 +48,13 @@ void frmMain::ShowExportWindow() {
 
 bool frmMain::RunUpdate(QString& updateProgram) {
     sUpdateProgram.clear();
-    frmDownload download(this);
+    // The download pumps events for as long as it runs: a close that comes meanwhile waits for
+    // it, and the window lives on the heap so that nothing but its guard ever deletes it.
+    const BusyScope downloading;
+    GuardedDialog<frmDownload> download(this);
     bool downloaded = false;
     try {
-        downloaded = download.Update();
+        downloaded = download->Update();
     } catch (const VbError& error) {
         // A server value that is no number ends the check with the conversion's own message.
         MsgBox(error.Description, vbCritical);

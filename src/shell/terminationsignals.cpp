@@ -2,11 +2,14 @@
 
 #include <sys/socket.h>
 #include <unistd.h>
+#include <QGuiApplication>
+#include <QSessionManager>
 #include <QSocketNotifier>
 #include <QTimer>
 #include <csignal>
 
 #include "shell/frmMain.h"
+#include "toolkit/longwork.h"
 
 namespace {
 
@@ -35,6 +38,12 @@ TerminationSignals::TerminationSignals(QObject* parent) : QObject(parent) {
     action.sa_flags = SA_RESTART;
     for (const int signalNumber : {SIGTERM, SIGINT, SIGHUP})
         sigaction(signalNumber, &action, nullptr);
+    // A logout in the middle of long work is held off; the program ends once the work is done.
+    connect(qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager& manager) {
+        if (!ProgramIsBusy()) return;
+        if (manager.allowsInteraction()) manager.cancel();
+        CloseMainWindow();
+    });
 }
 
 TerminationSignals::~TerminationSignals() {
@@ -49,6 +58,8 @@ TerminationSignals::~TerminationSignals() {
 
 void TerminationSignals::CloseMainWindow() {
     if (!gMainForm) return;
-    if (!gMainForm->close())
+    // A close refused while work runs is remembered and made when it ends; only the start-up's
+    // own refusal needs asking again.
+    if (!gMainForm->close() && !ProgramIsBusy())
         QTimer::singleShot(kRetryMilliseconds, this, [this] { CloseMainWindow(); });
 }

@@ -11,6 +11,7 @@
 #include "store/jetlike.h"
 #include "store/jettext.h"
 #include "store/passwordcheck.h"
+#include "toolkit/longwork.h"
 
 using namespace dao_detail;
 
@@ -50,6 +51,22 @@ std::shared_ptr<Connection> Open(const QString& path, bool exclusive, bool readO
     return connection;
 }
 
+// The engine calls this every few thousand steps of the copy; the report is the copy's size
+// against the source's, which is what a compaction can say of how far it is.
+struct CompactionProgress {
+    QString source;
+    QString target;
+};
+
+int ReportCompaction(void* context) {
+    const auto* progress = static_cast<const CompactionProgress*>(context);
+    ReportProgress("Compacting byte", QFileInfo(progress->target).size(),
+                   qMax<qint64>(1, QFileInfo(progress->source).size()));
+    return 0;
+}
+
+const int kCompactionStepsBetweenReports = 1000;
+
 void RequirePassword(const Connection& connection, const QString& connect) {
     if (!passwordcheck::Matches(connection.db, passwordcheck::FromConnectString(connect)))
         Raise(jetNotValidPassword);
@@ -85,15 +102,21 @@ void DBEngine::CompactDatabase(const QString& source, const QString& target, con
         Raise(3043, "Disk or network error.");
     }
     ::close(made);
+    CompactionProgress progress{source, target};
     try {
         // The target's indexes are built in this connection, with its text order.
+        sqlite3_progress_handler(connection->db, kCompactionStepsBetweenReports, ReportCompaction,
+                                 &progress);
         RunInternal(*connection, "VACUUM INTO ?", {target});
+        sqlite3_progress_handler(connection->db, 0, nullptr, nullptr);
+        EndProgress("Compacting byte");
         connection->Close();
         // The compacted file replaces the catalogue next: it must be on the disk before that.
         QFile written(target);
         if (!written.open(QIODevice::ReadWrite) || ::fsync(written.handle()) != 0)
             Raise(3043, "Disk or network error.");
     } catch (const VbError&) {
+        EndProgress("Compacting byte");
         QFile::remove(target);
         throw;
     }

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 
 #include "toolkit/guardeddialog.h"
+#include "toolkit/longwork.h"
 
 namespace {
 
@@ -15,6 +16,7 @@ QString SlashPath(const QString& path) {
 }
 
 FileDialogAnswer AskUser(const FileDialogCall& call, QWidget* owner) {
+    const BusyScope asking;
     GuardedDialog<QFileDialog> dialog(owner, call.title);
     // The descriptions already name their patterns; the patterns behind them stay unseen.
     QFileDialog::Options options = QFileDialog::HideNameFilterDetails;

@@ -8,7 +8,7 @@
 // work still uses. Such work holds a BusyScope; the program's end is refused while one is held
 // and runs once the last one is gone.
 class BusyScope {
-public:
+  public:
     BusyScope();
     ~BusyScope();
     BusyScope(const BusyScope&) = delete;
@@ -24,8 +24,7 @@ void RunWhenIdle(std::function<void()> action);
 // Long work reports each step: what it does ("Importing line", "Exporting title"...), how far
 // it is and how far it goes. A total of 0 ends the report. The main window shows the steps, and
 // the fault-injection test cuts the work off at chosen ones.
-using ProgressListener =
-    std::function<void(const QString& operation, qint64 done, qint64 total)>;
+using ProgressListener = std::function<void(const QString& operation, qint64 done, qint64 total)>;
 void ReportProgress(const QString& operation, qint64 done, qint64 total);
 void EndProgress(const QString& operation);
 // Returns a handle for RemoveProgressListener.

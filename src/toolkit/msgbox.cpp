@@ -7,6 +7,7 @@
 #include <QScopedValueRollback>
 
 #include "toolkit/guardeddialog.h"
+#include "toolkit/longwork.h"
 #include "toolkit/vbruntime.h"
 
 namespace {
@@ -81,6 +82,8 @@ bool MsgBoxIsOpen() {
 
 int MsgBox(const QString& prompt, int flags, const QString& title) {
     const QScopedValueRollback open(boxesOpen, boxesOpen + 1);
+    // Whoever asked goes on with the answer: the program must still be there when it comes.
+    const BusyScope asking;
     const QString caption = title.isEmpty() ? App.Title : title;
     if (msgBoxResponder) return msgBoxResponder({prompt, flags, caption});
 
@@ -103,6 +106,7 @@ int MsgBox(const QString& prompt, int flags, const QString& title) {
 
 QString InputBox(const QString& prompt, const QString& title, const QString& defaultText) {
     const QScopedValueRollback open(boxesOpen, boxesOpen + 1);
+    const BusyScope asking;
     const QString caption = title.isEmpty() ? App.Title : title;
     if (inputBoxResponder) return inputBoxResponder({prompt, caption, defaultText});
 

@@ -1,13 +1,18 @@
 // The main window's commands, driven through the real button bar, menus, mouse and keys.
 
+#include <csignal>
+
 #include "editor/frmEdit.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobals.h"
+#include "shell/terminationsignals.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/vbruntime.h"
+#include "update/frmDownload.h"
+#include "update/testhttpserver.h"
 
 namespace {
 
@@ -179,8 +184,6 @@ class CommandsTest : public QObject {
         form()->SetMousePointer(vbHourglass);
         form()->ToolbarButton("addcd")->trigger();
         QVERIFY(!gAddingTitle);
-        form()->ToolbarButton("quit")->trigger();
-        QVERIFY(!form()->IsUnloaded());
 
         form()->SetMousePointer(vbArrow);
         gModifyingTitle = true;
@@ -198,10 +201,55 @@ class CommandsTest : public QObject {
         QVERIFY(!gAddingTitle);
         QCOMPARE(form()->MousePointer(), int(vbArrow));
 
+        // Quit under the hourglass waits for the arrow, then ends the program.
         QPointer<frmMain> window = form();
+        window->SetMousePointer(vbHourglass);
         window->ToolbarButton("quit")->trigger();
-        QVERIFY(window.isNull() || window->IsUnloaded());
+        QTest::qWait(20);
+        QVERIFY(!window->IsUnloaded());
+        window->SetMousePointer(vbArrow);
+        QTRY_VERIFY(window.isNull() || window->IsUnloaded());
         QVERIFY(!gMainForm);
+    }
+
+    // Quit, the close button and SIGTERM during the update's download are held until the
+    // download has returned; the download's window is never freed twice.
+    void endingDuringTheUpdateDownloadWaitsForIt() {
+        TestHttpServer server(QByteArray(50000, 'u'));
+        HttpAnswer stalled;
+        stalled.stallAfter = 5000;
+        server.answers = {HttpAnswer{}, stalled};
+        server.files["/software/updates/velmora.ini"] =
+            "[LastRelease]\r\nLatestMajor=1\r\n[1Major]\r\nminor=9\r\nrevision=0\r\nURL=" +
+            server.url("/upd.sh").toLatin1() + "\r\nfilename=upd.sh\r\n";
+        qputenv("VELMORA_UPDATE_SERVER", server.url("").toLocal8Bit());
+        const QTemporaryDir wine;
+        qputenv("WINEPREFIX", wine.path().toLocal8Bit());
+        QDir().mkpath(wine.filePath("drive_c/windows"));
+        dialogs_->answerMsgBox(vbYes);
+        dialogs_->defaultMsgBoxAnswer = vbOK;
+        QPointer<frmMain> window = form();
+        QPointer<frmDownload> download;
+        bool downloading = false;
+        QTimer::singleShot(400, [&] {
+            download = window->findChild<frmDownload*>();
+            downloading = download;
+            window->ToolbarButton("quit")->trigger();
+            window->close();
+            ::raise(SIGTERM);
+            QTimer::singleShot(300, [&] {
+                QVERIFY(window && !window->IsUnloaded());
+                if (download) download->CancelButton->click();
+            });
+        });
+        TerminationSignals terminationSignals;
+        window->ToolbarButton("update")->trigger();
+        QVERIFY(downloading);
+        QTRY_VERIFY(window.isNull() || window->IsUnloaded());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(window.isNull());
+        qunsetenv("VELMORA_UPDATE_SERVER");
+        qunsetenv("WINEPREFIX");
     }
 
     void treeContextMenuOffersWhatTheNodeAllows() {

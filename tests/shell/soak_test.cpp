@@ -5,12 +5,17 @@
 
 #include <QAbstractItemView>
 #include <QRandomGenerator>
+#include <csignal>
 
 #include "editor/editortest.h"
+#include "export/frmExport.h"
+#include "import/frmImport.h"
 #include "search/frmFind.h"
+#include "shell/terminationsignals.h"
 #include "store/catalogue.h"
 #include "store/guardedfile.h"
 #include "store/passwordcheck.h"
+#include "toolkit/guardeddialog.h"
 
 using namespace editortest;
 
@@ -70,6 +75,42 @@ void ActOn(QWidget* target, QRandomGenerator& random) {
     }
 }
 
+// A TAB import or an export of everything to a TAB or HTML file, as the windows' OK runs it.
+void RunLongWork(QRandomGenerator& random, const QString& folder) {
+    if (random.bounded(2) == 0) {
+        QByteArray lines;
+        for (int line = 0; line < 60; ++line)
+            lines += "Audio\tRock\tAlbum\tSoak band\tSoak " +
+                     QByteArray::number(random.generate()) + "\tCD-R\t\t\t\t\t1\t\tOne\t1\r\n";
+        WriteBytes(folder + "/soak.txt", lines);
+        GuardedDialog<frmImport> window(gMainForm);
+        window->Form_Load();
+        for (int i = 0; i < 3; ++i) window->Check1[i]->setChecked(i == 2);
+        SetFileChooser([folder](const FileDialogCall&) {
+            FileDialogAnswer answer;
+            answer.filename = folder + "/soak.txt";
+            answer.filenames = {answer.filename};
+            return answer;
+        });
+        window->cmdOK_Click();
+    } else {
+        GuardedDialog<frmExport> form(gMainForm);
+        form->Form_Load();
+        const int destination = random.bounded(2) == 0 ? 0 : 2;
+        for (int i = 0; i < 5; ++i) form->Check1[i]->setChecked(i == destination);
+        form->Option1[2]->setChecked(true);
+        form->OpenHtmlAfterExport = false;
+        SetFileChooser([folder](const FileDialogCall&) {
+            FileDialogAnswer answer;
+            answer.filename = folder + "/soak.out";
+            answer.filenames = {answer.filename};
+            return answer;
+        });
+        form->cmdOK_Click();
+    }
+    SetFileChooser({});
+}
+
 }  // namespace
 
 class SoakTest : public QObject {
@@ -92,6 +133,24 @@ class SoakTest : public QObject {
         });
         closer.start(5);
 
+        // While long work runs, the user presses Quit, the desktop sends SIGTERM, or clicks go
+        // on in the main window; the program ends only once the work has returned.
+        TerminationSignals terminationSignals;
+        const int interrupter = AddProgressListener([&](const QString&, qint64, qint64 total) {
+            if (total <= 0 || !gMainForm || random.bounded(40) != 0) return;
+            switch (random.bounded(3)) {
+                case 0:
+                    gMainForm->Unload();
+                    break;
+                case 1:
+                    ::raise(SIGTERM);
+                    break;
+                default:
+                    if (const QList<QWidget*> targets = Targets(gMainForm); !targets.isEmpty())
+                        ActOn(targets[random.bounded(int(targets.size()))], random);
+            }
+        });
+
         RunningProgram program;
         for (int title = 1; title <= 12; ++title)
             StoreTitle("'Title " + QString::number(title) + "', 1, 1, " +
@@ -111,6 +170,11 @@ class SoakTest : public QObject {
                 QVERIFY2(gDatabase, "the next start found no catalogue");
                 ++runs;
             }
+            if (random.bounded(100) == 0) {
+                RunLongWork(random, program.folder.path());
+                QTest::qWait(5);
+                continue;
+            }
             QPointer<QWidget> window = ChooseWindow(random);
             if (!window) continue;
             const QList<QWidget*> targets = Targets(window);
@@ -120,6 +184,7 @@ class SoakTest : public QObject {
             if (step % 50 == 0) QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         }
         closer.stop();
+        RemoveProgressListener(interrupter);
         qInfo("%d steps over %d runs of the program", steps, runs);
 
         if (gMainForm) {
