@@ -104,7 +104,17 @@ void frmMain::RunUpdateCommand() {
         if (!updateProgram.isEmpty() && QFileInfo(updateProgram).isFile()) {
             QFile::setPermissions(updateProgram,
                                   QFile::permissions(updateProgram) | QFile::ExeOwner);
-            QProcess::startDetached(updateProgram, {}, QFileInfo(updateProgram).absolutePath());
+            QProcess updater;
+            updater.setProgram(updateProgram);
+            updater.setWorkingDirectory(QFileInfo(updateProgram).absolutePath());
+            if (!updater.startDetached()) {
+                // Nothing has been replaced yet, so the program goes on as it was.
+                MsgBox("The update program " + updateProgram + " could not be started." + vbCrLf +
+                           updater.errorString(),
+                       vbCritical, "Auto-Update");
+                bUpdating_ = false;
+                return;
+            }
             updateInProgress = true;
             Unload();
             bUpdating_ = false;

@@ -6,11 +6,20 @@
 #include <QTemporaryFile>
 
 #include "toolkit/msgbox.h"
+#include "toolkit/vberror.h"
 #include "toolkit/vbruntime.h"
 
 AnimatedGifCtl::AnimatedGifCtl(QWidget* parent) : QWidget(parent) {
     backColor_ = palette().color(QPalette::Window);
-    connect(&Timer1, &QTimer::timeout, this, &AnimatedGifCtl::Timer1_Timer);
+    connect(&Timer1, &QTimer::timeout, this, [this] {
+        try {
+            Timer1_Timer();
+        } catch (const VbError& error) {
+            // An error no trap catches stops the animation with its box, not the program.
+            Timer1.stop();
+            MsgBox(error.Description, vbCritical);
+        }
+    });
 }
 
 void AnimatedGifCtl::SetUserDelay(const QVariant& value) {
@@ -187,7 +196,8 @@ void AnimatedGifCtl::StopTimer() {
 
 void AnimatedGifCtl::Timer1_Timer() {
     PaintGif(currentFrame_, true);
-    const qint16 delay = static_cast<qint16>(stream_.frames.value(currentFrame_).iDelay * 10);
+    // The tenfold delay is 16-bit arithmetic: above 3276 hundredths it overflows.
+    const int delay = CInt(stream_.frames.value(currentFrame_).iDelay * 10.0);
     Timer1.setInterval(std::max(1, delay + userDelay_));
     if (++currentFrame_ > numberOfFrames_) currentFrame_ = 0;
 }

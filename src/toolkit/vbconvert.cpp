@@ -21,9 +21,7 @@ int CIntText(const QString& text) {
 }
 
 qint32 CLngText(const QString& text) {
-    const qint64 rounded = RoundToEven(VbNumber(text));
-    if (rounded < INT32_MIN || rounded > INT32_MAX) throw VbError(6);
-    return static_cast<qint32>(rounded);
+    return CLng(VbNumber(text));
 }
 
 int CByteText(const QString& text) {

@@ -20,6 +20,8 @@ QString VbError::StandardDescription(int number) {
             return "Division by zero";
         case 13:
             return "Type mismatch";
+        case 52:
+            return "Bad file name or number";
         case 53:
             return "File not found";
         case 61:

@@ -1,13 +1,14 @@
 #include "update/frmDownload.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QScreen>
 #include <QTime>
 
+#include "toolkit/longwork.h"
 #include "toolkit/msgbox.h"
-#include "toolkit/vberror.h"
 #include "toolkit/vbruntime.h"
 #include "update/mDownload.h"
 
@@ -75,6 +76,8 @@ void frmDownload::reject() {
 void frmDownload::DownloadFile(const QString& sURL, const QString& sSaveAs,
                                const QString& sUserName, const QString& sPassword, bool bHideOnEnd,
                                bool& bSucceeded) {
+    // The transfer pumps events throughout; the program must not end underneath it.
+    const BusyScope busy;
     bCancel = false;
     bSucceeded = false;
     lPosition = 0;
@@ -98,13 +101,13 @@ void frmDownload::DownloadFile(const QString& sURL, const QString& sSaveAs,
             RunPass(sURL, sSaveAs, bResume);
         } catch (const VbError& error) {
             if (fileTrapInstalled_)
-                ReportFileError(error.Number, error.Description);
+                ReportFileError(error);
             else
-                MsgBox("Error: " + error.Description + " occurred.", vbCritical,
-                       "Error Downloading File");
+                ReportError(error);
         }
         iFile.close();
-        if (lPosition == lTotal && lPosition >= 1) {
+        // The count says what arrived, the file what stayed: both must hold the whole body.
+        if (lPosition == lTotal && lPosition >= 1 && QFileInfo(sSaveAs).size() == lTotal) {
             StatusLabel->setText("Download completed!");
             bSucceeded = true;
             break;
@@ -127,10 +130,17 @@ void frmDownload::DownloadFile(const QString& sURL, const QString& sSaveAs,
 
     AnimatedGifCtl1->StopTimer();
     Inet1.Cancel();
+    EndProgress("Downloading byte");
     if (bHideOnEnd)
         hide();
     else
-        close();
+        Form_Unload();
+}
+
+// Unloading must not go through reject(): that is the Cancel button's road.
+void frmDownload::Form_Unload() {
+    if (windowState() == Qt::WindowNoState) move(-width(), -height());
+    hide();
 }
 
 void frmDownload::RunPass(const QString& sURL, const QString& sSaveAs, bool& bResume) {
@@ -155,8 +165,7 @@ void frmDownload::RunPass(const QString& sURL, const QString& sSaveAs, bool& bRe
 
     if (!bResume) {
         sngStart = Timer() - 1.0f;
-        lTotal = static_cast<qint32>(
-            RoundToEven(QStringView(Inet1.GetHeader("Content-Length")).trimmed().toDouble()));
+        lTotal = CLng(QStringView(Inet1.GetHeader("Content-Length")).trimmed().toDouble());
         if (lTotal == 0) return;
     }
     // Without drive letters, every absolute destination gets the test, on the file system
@@ -219,19 +228,28 @@ void frmDownload::ReceiveBody(const QString& sSaveAs, bool bResume) {
     const QString folder = SplitPath(sSaveAs, false, true);
     if (!folder.isEmpty() && !QFileInfo(folder).isDir()) QDir().mkdir(folder);
     iFile.setFileName(sSaveAs);
-    if (!iFile.open(QIODevice::ReadWrite)) throw VbError(75, iFile.errorString());
+    // Unbuffered, so that a write the disk refuses fails at its own chunk, not at the close.
+    if (!iFile.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
+        throw VbError(75, iFile.errorString());
     if (bResume) iFile.seek(lPosition);
+    // A write cut short without a word from the system is a full disk.
+    const auto writeError = [this] {
+        return VbError(61, iFile.error() == QFileDevice::NoError ? QString() : iFile.errorString());
+    };
     QByteArray bytChunk;
     do {
         bytChunk = Inet1.GetChunk(1024);
-        if (iFile.write(bytChunk) != bytChunk.size()) throw VbError(61, iFile.errorString());
+        if (iFile.write(bytChunk) != bytChunk.size()) throw writeError();
         if (bCancel) break;
         lPosition += static_cast<qint32>(bytChunk.size());
         sngRate = static_cast<float>(lPosition) / (Timer() - sngStart);
         if (sngRate == 0) throw VbError(11);
         sngLeft = static_cast<float>(lTotal - lPosition) / sngRate;
         ShowProgress();
+        ReportProgress("Downloading byte", lPosition, lTotal);
     } while (bytChunk.size() > 1);
+    iFile.close();
+    if (iFile.error() != QFileDevice::NoError) throw writeError();
 }
 
 void frmDownload::ShowProgress() {
@@ -245,7 +263,12 @@ void frmDownload::ShowProgress() {
                    " Completed");
 }
 
-void frmDownload::ReportFileError(int number, const QString& description) {
-    MsgBox("Cannot write file to disk.\r\nError " + QString::number(number) + ": " + description,
+void frmDownload::ReportError(const VbError& error) {
+    MsgBox("Error: " + error.Description + " occurred.", vbCritical, "Error Downloading File");
+}
+
+void frmDownload::ReportFileError(const VbError& error) {
+    MsgBox("Cannot write file to disk.\r\nError " + QString::number(error.Number) + ": " +
+               error.Description,
            vbCritical, "Error Downloading File");
 }

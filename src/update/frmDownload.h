@@ -7,6 +7,7 @@
 #include <QPushButton>
 
 #include "toolkit/AnimatedGifCtl.h"
+#include "toolkit/vberror.h"
 #include "update/Inet.h"
 
 // The progress window of one HTTP transfer into a local file, resumable with a byte range
@@ -50,7 +51,9 @@ class frmDownload : public QDialog {
     bool AcceptResponse(bool& bResume, const QString& sSaveAs);
     void ReceiveBody(const QString& sSaveAs, bool bResume);
     void ShowProgress();
-    void ReportFileError(int number, const QString& description);
+    void ReportError(const VbError& error);
+    void ReportFileError(const VbError& error);
+    void Form_Unload();
 
     qint32 lPosition = 0;
     qint32 lTotal = 0;

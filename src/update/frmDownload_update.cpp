@@ -2,6 +2,7 @@
 // update program.
 
 #include <QFile>
+#include <QFileInfo>
 
 #include "toolkit/mUtility.h"
 #include "toolkit/msgbox.h"
@@ -25,11 +26,23 @@ qint16 IniInteger(const QString& text) {
     return static_cast<qint16>(CInt(value));
 }
 
-// Hidden, system and read-only files included: the attributes go to plain, then it goes.
+// The server names the update program, and the name is joined to TEMP: a name that is empty,
+// climbs with "..", or holds a separator could reach outside it.
+bool IsPlainFileName(const QString& name) {
+    return !name.isEmpty() && name != "." && name != ".." && !name.contains('/') &&
+           !name.contains('\\');
+}
+
+// Read-only ones included, the file of that name goes, and only it: a folder of that name stays,
+// and a link goes without its target being touched.
 void RemoveOldUpdateProgram(const QString& path) {
-    if (!QFile::exists(path)) return;
-    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
-    QFile::remove(path);
+    const QFileInfo file(path);
+    if (file.isSymLink()) {
+        QFile::remove(path);
+    } else if (file.isFile()) {
+        QFile::setPermissions(path, file.permissions() | QFile::WriteOwner);
+        QFile::remove(path);
+    }
 }
 
 }  // namespace
@@ -53,6 +66,10 @@ bool frmDownload::Update() {
     const QString programUrl =
         ReadIniString(localIni, section, "URL", "No file found!!! Server maybe down or moved!!!.");
     const QString fileName = ReadIniString(localIni, section, "filename", "VelmoraUpdate.exe");
+    if (!IsPlainFileName(fileName)) {
+        ReportError(VbError(52));
+        return false;
+    }
 
     const QString major = QString::number(App.Major);
     const QString newVersion =

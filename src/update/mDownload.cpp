@@ -24,7 +24,9 @@ QString FitText(const QLabel* label, QString text) {
 
 QString FormatFileSize(double bytes, const QString& format) {
     const double kilo = 1024.0, mega = kilo * kilo, giga = mega * kilo;
-    if (bytes >= 0 && bytes <= 1023) return QString::number(bytes) + " bytes";
+    // Below a kilobyte the values are byte counts and the Single rate, in a Single's general
+    // number form: at most 7 significant digits.
+    if (bytes >= 0 && bytes <= 1023) return QString::number(bytes, 'g', 7) + " bytes";
     if (bytes >= kilo && bytes <= 1048575)
         return Format(bytes / kilo, format.isEmpty() ? "###0" : format) + " KB";
     if (bytes >= mega && bytes <= 1073741823)

@@ -18,6 +18,7 @@
 #include "toolkit/gifbuilder.h"
 #include "toolkit/imagelists.h"
 #include "toolkit/mCoolMenu.h"
+#include "toolkit/vbruntime.h"
 
 namespace {
 
@@ -581,6 +582,15 @@ class ControlsTest : public QObject {
         QCOMPARE(gif.UserDelay(), 10);
         gif.SetUserDelay(5000);
         QCOMPARE(gif.UserDelay(), 1000);
+
+        // Ten times a delay above 3276 leaves 16 bits: the overflow stops the animation.
+        ScriptedDialogs dialogs;
+        TestGifFrame endless = Filled(0, 0, 1, 1, 1);
+        endless.delay = 3277;
+        gif.LoadGifData(BuildGif(1, 1, kGlobalTable, {endless}));
+        gif.StartTimer();
+        QTRY_VERIFY(!gif.TimerRunning());
+        QCOMPARE(dialogs.msgBoxes, Boxes({{"Overflow", vbCritical, App.Title}}));
     }
 
     void badStreamsFailCleanly() {

@@ -1,14 +1,17 @@
 // The download window against a local server (resumed, refused and cancelled transfers, its
 // progress and its formatting), and the live update that runs on it.
 
+#include <sys/resource.h>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <csignal>
 
 #include "shell/frmMain.h"
 #include "support/testsupport.h"
+#include "toolkit/longwork.h"
 #include "toolkit/vbruntime.h"
 #include "update/frmDownload.h"
 #include "update/mDownload.h"
@@ -41,16 +44,39 @@ HttpAnswer Answering(const QByteArray& statusLine) {
     return answer;
 }
 
-QByteArray ServerIni(int latestMajor, int minor, int revision, const QString& programUrl) {
+QByteArray ServerIni(int latestMajor, int minor, int revision, const QString& programUrl,
+                     const QString& fileName = "upd.sh") {
     return QString(
                "[LastRelease]\r\nLatestMajor=%1\r\nProductInfo=http://shop.example/v3\r\n"
-               "[2Major]\r\nminor=%2\r\nrevision=%3\r\nURL=%4\r\nfilename=upd.sh\r\n")
+               "[2Major]\r\nminor=%2\r\nrevision=%3\r\nURL=%4\r\nfilename=%5\r\n")
         .arg(latestMajor)
         .arg(minor)
         .arg(revision)
-        .arg(programUrl)
+        .arg(programUrl, fileName)
         .toLatin1();
 }
+
+// A file size limit stands in for a full disk while it lives; its signal would end the test.
+class FileSizeLimit {
+  public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &saved_);
+        rlimit limited = saved_;
+        limited.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limited);
+        savedSignal_ = std::signal(SIGXFSZ, SIG_IGN);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &saved_);
+        std::signal(SIGXFSZ, savedSignal_);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+  private:
+    rlimit saved_{};
+    void (*savedSignal_)(int) = nullptr;
+};
 
 }  // namespace
 
@@ -121,6 +147,39 @@ class UpdateTest : public QObject {
         QCOMPARE(dialogs.msgBoxes, Boxes({offer, declined, newMajor}));
     }
 
+    void theServersFileNameTouchesNothingOutsideTemp() {
+        TestHttpServer server;
+        qputenv("VELMORA_UPDATE_SERVER", server.url("").toLocal8Bit());
+        App.Major = 2;
+        App.Minor = 4;
+        App.Revision = 0;
+        QDir().mkpath(tempFolder());
+        const QFile::Permissions folderMode = QFileInfo(tempFolder()).permissions();
+        const QString victim = wine.filePath("drive_c/victim.txt");
+        WriteBytes(victim, "mine");
+        for (const QString& name :
+             QStringList{"../victim.txt", "", "..", "sub/upd.sh", "..\\victim.txt"}) {
+            ScriptedDialogs dialogs;
+            server.files["/software/updates/velmora.ini"] =
+                ServerIni(2, 9, 0, server.url("/u"), name);
+            frmDownload form;
+            QVERIFY(!form.Update());
+            QCOMPARE(dialogs.msgBoxes, Boxes({{"Error: Bad file name or number occurred.",
+                                               vbCritical, "Error Downloading File"}}));
+            QCOMPARE(ReadBytes(victim), QByteArray("mine"));
+            QCOMPARE(QFileInfo(tempFolder()).permissions(), folderMode);
+        }
+        // An old program that is a link goes without its target being touched.
+        QFile::setPermissions(victim, QFile::ReadOwner);
+        QVERIFY(QFile::link(victim, tempFolder() + "/upd.sh"));
+        ScriptedDialogs dialogs;
+        server.files["/software/updates/velmora.ini"] = ServerIni(2, 4, 0, server.url("/u"));
+        frmDownload form;
+        QVERIFY(!form.Update());
+        QVERIFY(!QFileInfo(tempFolder() + "/upd.sh").isSymLink());
+        QVERIFY(!QFileInfo(victim).permissions().testFlag(QFile::WriteOwner));
+    }
+
     void theToolbarCommandFetchesStartsAndEnds() {
         TempProgramFolder folder;
         folder.installCatalogue();
@@ -157,6 +216,22 @@ class UpdateTest : public QObject {
             QVERIFY(!QFile::exists(proof));
         }
         server.files["/software/updates/velmora.ini"] = ServerIni(2, 9, 0, server.url("/upd.sh"));
+        const QByteArray script = server.files["/upd.sh"];
+        {
+            // A program the system cannot start: the reason in a box, and Velmora goes on.
+            ScriptedDialogs dialogs;
+            dialogs.answerMsgBox(vbYes);
+            server.files["/upd.sh"] = "no program at all";
+            main->ToolbarButton("update")->trigger();
+            QCOMPARE(dialogs.msgBoxes.size(), 2);
+            const MsgBoxCall& box = dialogs.msgBoxes[1];
+            QCOMPARE(box.title, QString("Auto-Update"));
+            QCOMPARE(box.flags, vbCritical);
+            QVERIFY(box.prompt.startsWith("The update program " + tempFolder() +
+                                          "/upd.sh could not be started.\r\n"));
+            QVERIFY(!main->IsUnloaded());
+        }
+        server.files["/upd.sh"] = script;
         ScriptedDialogs dialogs;
         dialogs.answerMsgBox(vbYes);
         QSignalSpy unloaded(main, &frmMain::Unloaded);
@@ -196,6 +271,23 @@ class UpdateTest : public QObject {
         dialogs.answerMsgBox(vbCancel);
         server.answers = {broken};
         QVERIFY(!Download(server.url("/files/file.bin"), target()).succeeded);
+        QVERIFY(!QFile::exists(target()));
+    }
+
+    void aWriteTheDiskRefusesIsNeverComplete() {
+        ScriptedDialogs dialogs;
+        TestHttpServer server(Source(10335));
+        Transfer transfer;
+        {
+            const FileSizeLimit limit(4096);
+            transfer = Download(server.url("/upd.bin"), target());
+        }
+        QVERIFY(!transfer.succeeded);
+        QCOMPARE(dialogs.msgBoxes.size(), 2);
+        QCOMPARE(dialogs.msgBoxes[0],
+                 MsgBoxCall({"Cannot write file to disk.\r\nError 61: File too large", vbCritical,
+                             "Error Downloading File"}));
+        QCOMPARE(dialogs.msgBoxes[1].title, QString("Download Incomplete"));
         QVERIFY(!QFile::exists(target()));
     }
 
@@ -246,6 +338,11 @@ class UpdateTest : public QObject {
         HttpAnswer huge = Answering("HTTP/1.1 200 OK\r\nContent-Length: 99999999999999999999");
         huge.sendLength = false;
         huge.honourRange = false;
+        // Lengths a 32-bit count cannot hold overflow rather than wrap.
+        HttpAnswer fourGiB = huge;
+        fourGiB.statusLine = "HTTP/1.1 200 OK\r\nContent-Length: 4294967296";
+        HttpAnswer threeBillion = huge;
+        threeBillion.statusLine = "HTTP/1.1 200 OK\r\nContent-Length: 3000000000";
         // An empty prompt: no box; an empty address or file: the server's file and target().
         struct Case {
             HttpAnswer answer;
@@ -269,6 +366,8 @@ class UpdateTest : public QObject {
              "Cannot establish connection.\r\nCheck your Internet connection and try again.",
              vbExclamation, "Cannot Establish Connection", nowhere},
             {huge, "Error: Overflow occurred.", vbCritical, "Error Downloading File"},
+            {fourGiB, "Error: Overflow occurred.", vbCritical, "Error Downloading File"},
+            {threeBillion, "Error: Overflow occurred.", vbCritical, "Error Downloading File"},
             // /proc: a file system without a free byte.
             {HttpAnswer(),
              "There is not enough free space on disk for this file.\r\nPlease free up some disk "
@@ -334,8 +433,20 @@ class UpdateTest : public QObject {
         TestHttpServer server(Source(5000));
         frmDownload form;
         bool succeeded = false;
-        form.DownloadFile(server.url("/dir/file.bin"), target(), "", "", true, succeeded);
+        QList<qint64> reported;
+        const int listener =
+            AddProgressListener([&](const QString& operation, qint64 done, qint64) {
+                QCOMPARE(operation, QString("Downloading byte"));
+                QVERIFY(ProgramIsBusy());
+                reported << done;
+            });
+        form.DownloadFile(server.url("/dir/file.bin"), target(), "", "", false, succeeded);
+        RemoveProgressListener(listener);
         QVERIFY(succeeded);
+        QCOMPARE(reported, QList<qint64>({1024, 2048, 3072, 4096, 5000, 5000, 0}));
+        // Unloaded at the end, not cancelled.
+        QVERIFY(!form.isVisible());
+        QCOMPARE(form.StatusLabel->text(), QString("Download completed!"));
         QCOMPARE(form.windowTitle(), QString("100% of file.bin Completed"));
         QVERIFY(form.TimeLabel->text().endsWith("(5 KB of 5 KB copied)"));
         QVERIFY(form.RateLabel->text().endsWith("/Sec"));
@@ -347,6 +458,7 @@ class UpdateTest : public QObject {
         QCOMPARE(FormatFileSize(0), QString("0 bytes"));
         QCOMPARE(FormatFileSize(1023), QString("1023 bytes"));
         QCOMPARE(FormatFileSize(1023.5), QString());
+        QCOMPARE(FormatFileSize(512.345678f, "###.0"), QString("512.3457 bytes"));
         QCOMPARE(FormatFileSize(1024), QString("1 KB"));
         QCOMPARE(FormatFileSize(1048575), QString("1024 KB"));
         QCOMPARE(FormatFileSize(1048576), QString("1.0 MB"));
