@@ -20,6 +20,12 @@ int CIntText(const QString& text) {
     return CInt(VbNumber(text));
 }
 
+qint32 CLng(double value) {
+    const qint64 rounded = RoundToEven(value);
+    if (rounded < INT32_MIN || rounded > INT32_MAX) throw VbError(6);
+    return static_cast<qint32>(rounded);
+}
+
 qint32 CLngText(const QString& text) {
     return CLng(VbNumber(text));
 }

@@ -9,6 +9,8 @@
 // The number a text stands for: blanks around it, a sign, decimals, an exponent, or a
 // hexadecimal "&H" literal. Error 13 for anything else, the empty text included.
 double VbNumber(const QString& text);
+// CLng of a number: rounds to even and raises error 6 outside the signed 32-bit range.
+qint32 CLng(double value);
 // CInt, CLng and CByte of a text.
 int CIntText(const QString& text);
 qint32 CLngText(const QString& text);

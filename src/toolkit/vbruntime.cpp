@@ -50,12 +50,6 @@ int CInt(double value) {
     return static_cast<int>(rounded);
 }
 
-qint32 CLng(double value) {
-    const qint64 rounded = RoundToEven(value);
-    if (rounded < INT32_MIN || rounded > INT32_MAX) throw VbError(6);
-    return static_cast<qint32>(rounded);
-}
-
 int CByte(double value) {
     const qint64 rounded = RoundToEven(value);
     if (rounded < 0 || rounded > 255) throw VbError(6);

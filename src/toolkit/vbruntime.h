@@ -45,8 +45,6 @@ QString Format(double value, const QString& pattern);
 qint64 RoundToEven(double value);
 // CInt: rounds to even and raises error 6 outside -32768..32767.
 int CInt(double value);
-// CLng: rounds to even and raises error 6 outside the signed 32-bit range.
-qint32 CLng(double value);
 // CByte: rounds to even and raises error 6 outside 0..255.
 int CByte(double value);
 

@@ -9,6 +9,7 @@
 
 #include "toolkit/longwork.h"
 #include "toolkit/msgbox.h"
+#include "toolkit/vbconvert.h"
 #include "toolkit/vbruntime.h"
 #include "update/mDownload.h"
 
