@@ -204,12 +204,14 @@ class WritersTest : public QObject {
         Export(&frmExport::ExportToTabFile);
         QVERIFY(dialogs.msgBoxes.isEmpty());
 
-        // A title without a rating stops the page's statistics.
+        // A title without a rating stops the page's statistics; the two lines written before
+        // stay.
         gDatabase->Execute("update title set rating = NULL where idcd = 5");
         Select(kTitleJoinInListOrder);
         dialogs.answerFile(folder_->file("null.html"));
         Export(&frmExport::ExportToHtml);
         QCOMPARE(dialogs.takeBoxes(), Boxes({failed(folder_->file("null.html"))}));
+        QCOMPARE(Lines(ReadBytes(folder_->file("null.html"))).size(), 2);
         gDatabase->Execute("update title set rating = 65 where idcd = 5");
 
         // A full disc: the file size limit stops the page part way.
@@ -225,6 +227,18 @@ class WritersTest : public QObject {
                  Boxes({failed(folder_->file("full.html")), failed(folder_->file("full.txt"))}));
         QVERIFY(opened_.isEmpty());
         QCOMPARE(Scalar("select count(*) from title").toInt(), 5);
+
+        // Tracks that cannot be read stop the TAB file at the first audio title with tracks,
+        // after the lines of the video and the PC title.
+        form_->ExportRecordset.reset();
+        gDatabase->Execute("drop table Tracks");
+        Select(kTitleJoin + " order by platform.nmplatform desc, title.nmcd");
+        dialogs.answerFile(folder_->file("cut.txt"));
+        Export(&frmExport::ExportToTabFile);
+        QCOMPARE(dialogs.takeBoxes(), Boxes({failed(folder_->file("cut.txt"))}));
+        const QStringList cut = Lines(ReadBytes(folder_->file("cut.txt")));
+        QCOMPARE(cut.size(), 2);
+        QVERIFY(cut[0].contains("Nosferatu") && cut[1].contains("Café Tycoon"));
     }
 
     void tabFileHoldsFourteenColumnsWithTokens() {
