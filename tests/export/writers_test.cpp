@@ -4,6 +4,7 @@
 // back by mdbtools, by the program's reading, and by the import into an empty catalogue; the
 // page is also read by a real browser.
 
+#include <sys/fsuid.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -50,6 +51,19 @@ class FileSizeLimit {
 
   private:
     rlimit saved_{};
+};
+
+// File permissions that bind this thread even when the tests run as root.
+class ActingAsNobody {
+  public:
+    ActingAsNobody() {
+        setfsgid(65534);
+        setfsuid(65534);
+    }
+    ~ActingAsNobody() {
+        setfsuid(getuid());
+        setfsgid(getgid());
+    }
 };
 
 // The Deluxe writer's closing box.
@@ -368,6 +382,16 @@ class WritersTest : public QObject {
             "[1A2B3C]\r\n0=J\xF3ga\r\n1=Bachelorette\r\n2=Hunter\r\n3=d\r\nnumtracks=3\r\n"
             "EntryType=1\r\nartist=Bj\xF6rk\r\ntitle=Homog\xE9nic\r\norder=0 1 "
             "2\r\nnumplay=3\r\n"));
+
+        // Tracks that cannot be read cost the track keys alone.
+        form_->ExportRecordset.reset();
+        gDatabase->Execute("drop table Tracks");
+        Select(kTitleJoinInListOrder);
+        WriteBytes(ini, "");
+        Export(&frmExport::ExportToCdPlayerIni);
+        QVERIFY(ReadBytes(ini).startsWith(
+            "[1A2B3C]\r\nEntryType=1\r\nartist=Bj\xF6rk\r\ntitle=Homog\xE9nic\r\n"
+            "numtracks=3\r\norder=0 1 2\r\nnumplay=3\r\n"));
     }
 
     void damagedOrUnwritableCdPlayerIniIsNeverCut() {
@@ -396,6 +420,19 @@ class WritersTest : public QObject {
         QCOMPARE(ReadBytes(ini), QByteArray("[CDDB]\r\nkeep=me\r\n"));
         QCOMPARE(dialogs.takeBoxes(),
                  Boxes({{"Could not export to file " + ini + "!", vbExclamation, "Velmora"}}));
+
+        // A file that cannot be read is not taken for an empty one: a box, and no write.
+        QFile::setPermissions(ini, QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther);
+        QFile::setPermissions(folder_->path(), QFile::permissions(folder_->path()) |
+                                                   QFile::WriteOther | QFile::ExeOther);
+        {
+            const ActingAsNobody nobody;
+            Export(&frmExport::ExportToCdPlayerIni);
+        }
+        QCOMPARE(ReadBytes(ini), QByteArray("[CDDB]\r\nkeep=me\r\n"));
+        QCOMPARE(dialogs.takeBoxes(), Boxes({{"Could not export to file " + ini +
+                                                  "!\r\n\r\nIt cannot be read: Permission denied",
+                                              vbExclamation, "Velmora"}}));
     }
 
     void newTitlesAndTracksAreAppendedAndDuplicatesSkipped() {
