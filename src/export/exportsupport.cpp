@@ -22,7 +22,9 @@ ExportTextFile::ExportTextFile(const QString& path, bool byteOrderMark) : file_(
     if (byteOrderMark) pending_ = "\xEF\xBB\xBF";
 }
 
+// A writer that stopped on an error still leaves on disc what it produced before it.
 ExportTextFile::~ExportTextFile() {
+    if (file_.isOpen()) file_.write(pending_);
     file_.close();
 }
 
@@ -36,9 +38,10 @@ void ExportTextFile::WriteLine(const QString& line) {
 }
 
 void ExportTextFile::Flush() {
-    if (pending_.isEmpty()) return;
-    if (file_.write(pending_) != pending_.size()) throw VbError(FileError(file_));
-    pending_.clear();
+    const qint64 written = file_.write(pending_);
+    // What did reach the file is not written a second time by the destructor.
+    if (written > 0) pending_.remove(0, written);
+    if (!pending_.isEmpty()) throw VbError(FileError(file_));
 }
 
 void ExportTextFile::Close() {

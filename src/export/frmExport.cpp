@@ -16,6 +16,7 @@
 #include "toolkit/GCommonDialog.h"
 #include "toolkit/cCommonDialog.h"
 #include "toolkit/guardeddialog.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
@@ -209,7 +210,11 @@ void frmExport::RunDestination(Writer writer, bool nothingToExport, const QStrin
     }
     ExportRecordset->MoveFirst();
     SetMousePointer(vbHourglass);
-    (this->*writer)(count);
+    {
+        // The writers pump events (their boxes, the file chooser); the program's end waits.
+        const BusyScope busy;
+        (this->*writer)(count);
+    }
     SetMousePointer(vbArrow);
     ExportRecordset->MoveFirst();
 }

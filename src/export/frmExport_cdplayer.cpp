@@ -1,7 +1,7 @@
 // The audio titles into the default CD player's cdplayer.ini. The writer looks before it
 // writes: a disc whose section already has a track count is left alone unless overwriting.
 // The file is read once, changed in memory and written once; it replaces the old file only
-// when it was written completely.
+// when it was read and then written completely.
 
 #include <QCheckBox>
 
@@ -24,15 +24,21 @@ QString OnOneLine(QString value) {
     return value.replace('\r', ' ').replace('\n', ' ');
 }
 
+// Each statement's failure passes and the next one runs, so that a disc whose tracks cannot be
+// read still gets its play order.
 void WriteDisc(IniFile& ini, const QString& section, Recordset& titles) {
-    const QVariant numTracks = titles["NumTracks"];
+    QVariant numTracks;
+    ResumeNext([&] { numTracks = titles["NumTracks"]; });
     ini.setValue(section, "EntryType", "1");
-    ini.setValue(section, "artist", OnOneLine(NzText(titles["nmvendor"])));
-    ini.setValue(section, "title", OnOneLine(NzText(titles["nmcd"])));
+    ResumeNext([&] { ini.setValue(section, "artist", OnOneLine(NzText(titles["nmvendor"]))); });
+    ResumeNext([&] { ini.setValue(section, "title", OnOneLine(NzText(titles["nmcd"]))); });
     ini.setValue(section, "numtracks", NzText(numTracks));
-    for (const auto tracks = OpenTitleTracks(titles["idcd"]); !tracks->IsEOF(); tracks->MoveNext())
-        ini.setValue(section, NzText((*tracks)["TrackID"]),
-                     OnOneLine(NzText((*tracks)["TrackName"])));
+    ResumeNext([&] {
+        for (const auto tracks = OpenTitleTracks(titles["idcd"]); !tracks->IsEOF();
+             tracks->MoveNext())
+            ini.setValue(section, NzText((*tracks)["TrackID"]),
+                         OnOneLine(NzText((*tracks)["TrackName"])));
+    });
     QStringList order;
     for (int track = 0; track < TrackCount(numTracks); ++track) order << QString::number(track);
     ini.setValue(section, "order", order.join(' '));
@@ -44,6 +50,13 @@ void WriteDisc(IniFile& ini, const QString& section, Recordset& titles) {
 void frmExport::ExportToCdPlayerIni(long& Count) {
     Recordset& titles = *ExportRecordset;
     IniFile ini(IniPath);
+    // A file that cannot be read would lose every other disc when written.
+    if (!ini.readError().isEmpty()) {
+        MsgBox("Could not export to file " + IniPath +
+                   "!\r\n\r\nIt cannot be read: " + ini.readError(),
+               vbExclamation);
+        return;
+    }
     for (long row = 0; row < Count && !titles.IsEOF(); ++row, titles.MoveNext()) {
         if (!IsPlayerDisc(titles)) continue;
         const QString section = SectionOf(titles["TitleID"]);
@@ -55,11 +68,7 @@ void frmExport::ExportToCdPlayerIni(long& Count) {
                        vbInformation, "Duplicate found");
             ++IniExportDuplicates;
         } else {
-            try {
-                WriteDisc(ini, section, titles);
-            } catch (const VbError&) {
-                // A disc whose tracks cannot be read keeps what was written of it.
-            }
+            WriteDisc(ini, section, titles);
         }
         ++IniExportTried;
     }

@@ -18,6 +18,7 @@
 #include "store/frmPerformAction.h"
 #include "toolkit/imagelists.h"
 #include "toolkit/msgbox.h"
+#include "toolkit/vberror.h"
 
 frmDatabase* gDatabaseForm = nullptr;
 
@@ -369,21 +370,13 @@ void frmDatabase::Form_Load() {
                              static_cast<QWidget*>(cmbMediatype)})
         ClearRows(control);
     // A failing statement is passed over; the next one still runs.
-    try {
-        FillPlatforms();
-    } catch (const VbError&) {
-    }
-    try {
-        FillMediatypes();
-    } catch (const VbError&) {
-    }
-    try {
-        SelectFromTreeNode();
-    } catch (const VbError&) {
-    }
-    if (RowCount(cmbMediatype) > 0) SelectRow(Mediatype, 0);
+    ResumeNext([this] { FillPlatforms(); });
+    ResumeNext([this] { FillMediatypes(); });
+    SelectFromTreeNode();
+    if (RowCount(cmbMediatype) > 0) ResumeNext([this] { SelectRow(Mediatype, 0); });
 }
 
+// Statements of Form_Load: a selection that fails does not keep the next one from running.
 void frmDatabase::SelectFromTreeNode() {
     if (!gMainForm) return;
     QTreeWidgetItem* node = gMainForm->Node(gSelectedIndex);
@@ -391,20 +384,20 @@ void frmDatabase::SelectFromTreeNode() {
     const QString key = gMainForm->NodeKey(node);
     QTreeWidgetItem* parent = node->parent();
     if (key == "search" || gSelectedIndex == 1 || !parent) {
-        if (RowCount(cmbPlatform) > 0) SelectRow(Platform, 0);
+        if (RowCount(cmbPlatform) > 0) ResumeNext([this] { SelectRow(Platform, 0); });
         return;
     }
     const QString parentKey = gMainForm->NodeKey(parent);
     if (parentKey == "root") {
         const int row = FindRow(cmbPlatform, Val(key.mid(3)));
-        if (row >= 0) SelectRow(Platform, row);
-        if (RowCount(lstType) > 0) SelectRow(Type, 0);
+        if (row >= 0) ResumeNext([&] { SelectRow(Platform, row); });
+        if (RowCount(lstType) > 0) ResumeNext([this] { SelectRow(Type, 0); });
         return;
     }
     const int platformRow = FindRow(cmbPlatform, Val(parentKey.mid(3)));
-    if (platformRow >= 0) SelectRow(Platform, platformRow);
+    if (platformRow >= 0) ResumeNext([&] { SelectRow(Platform, platformRow); });
     const int typeRow = FindRow(lstType, Val(key.mid(parentKey.length() + 3)));
-    if (typeRow >= 0) SelectRow(Type, typeRow);
+    if (typeRow >= 0) ResumeNext([&] { SelectRow(Type, typeRow); });
 }
 
 void frmDatabase::cmbPlatform_Click() {
@@ -461,50 +454,49 @@ void frmDatabase::chkVisiblePlatform_Click() {
 void frmDatabase::Picture_Click(LookupList list, int action) {
     QWidget* control = ListControl(list);
     const LookupOperation operation = Designs()[list].operation;
-    // A failing step ends the handler without a word of its own; the lookup routines report.
-    try {
-        QString name;
-        if (action == kLookupAdd) {
-            long parent = 0;
-            if (list == Type || list == Vendor || list == Specific) {
-                QWidget* parentControl = ListControl(list == Specific ? Type : Platform);
-                if (CurrentRow(parentControl) < 0) return;
-                parent = RowId(parentControl, CurrentRow(parentControl));
-            }
-            const QString result = operation(kLookupAdd, parent, name);
-            if (result.isEmpty()) return;
-            AddRow(control, LookupResultName(result), LookupResultId(result));
-            if (list == Mediatype) gListDirty = true;
-            SelectRow(list, RowCount(control) - 1);
-            return;
+    // Errors pass on to the next statement, so a failing step ends in no message of its own;
+    // the lookup routines report theirs.
+    QString name;
+    QString result;
+    if (action == kLookupAdd) {
+        long parent = 0;
+        if (list == Type || list == Vendor || list == Specific) {
+            QWidget* parentControl = ListControl(list == Specific ? Type : Platform);
+            if (CurrentRow(parentControl) < 0) return;
+            parent = RowId(parentControl, CurrentRow(parentControl));
         }
-        const int row = CurrentRow(control);
-        if (row < 0) return;
-        name = RowText(control, row);
-        const QString result = operation(action, RowId(control, row), name);
+        ResumeNext([&] { result = operation(kLookupAdd, parent, name); });
         if (result.isEmpty()) return;
+        AddRow(control, LookupResultName(result), LookupResultId(result));
         if (list == Mediatype) gListDirty = true;
-        if (action == kLookupRename) {
-            SetRowText(control, row, LookupResultName(result));
-            return;
-        }
-        RemoveRow(control, row);
-        if (list == Platform || list == Type) {
-            const int count = RowCount(control);
-            if (count > 0) {
-                SelectRow(list, std::min(row, count - 1));
-            } else {
-                // Nothing is left to hang the dependent lists from.
-                ClearRows(lstSpecific);
-                if (list == Platform) {
-                    ClearRows(lstType);
-                    ClearRows(lstVendor);
-                }
-            }
+        ResumeNext([&] { SelectRow(list, RowCount(control) - 1); });
+        return;
+    }
+    const int row = CurrentRow(control);
+    if (row < 0) return;
+    name = RowText(control, row);
+    ResumeNext([&] { result = operation(action, RowId(control, row), name); });
+    if (result.isEmpty()) return;
+    if (list == Mediatype) gListDirty = true;
+    if (action == kLookupRename) {
+        SetRowText(control, row, LookupResultName(result));
+        return;
+    }
+    RemoveRow(control, row);
+    if (list == Platform || list == Type) {
+        const int count = RowCount(control);
+        if (count > 0) {
+            ResumeNext([&] { SelectRow(list, std::min(row, count - 1)); });
         } else {
-            SetCurrentRow(control, -1);
+            // Nothing is left to hang the dependent lists from.
+            ClearRows(lstSpecific);
+            if (list == Platform) {
+                ClearRows(lstType);
+                ClearRows(lstVendor);
+            }
         }
-    } catch (const VbError&) {
+    } else {
+        SetCurrentRow(control, -1);
     }
 }
 

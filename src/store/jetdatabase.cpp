@@ -11,6 +11,7 @@
 
 #include "store/dao_detail.h"
 #include "store/jetlike.h"
+#include "store/jetpages.h"
 #include "store/jetprobe.h"
 #include "store/mdbrows.h"
 
@@ -210,6 +211,8 @@ namespace dao_detail {
 
 std::shared_ptr<Connection> OpenJetCopy(const QString& path, bool readOnly) {
     if (!QFileInfo::exists(path)) Raise(jetCouldNotFindFile, "Could not find file '" + path + "'.");
+    // A write of the program's that was cut off is undone before anything is read.
+    jet::RecoverInterruptedCommit(path);
     const JetHeader header = ReadHeader(path);
     if (header.version == 0) NotAJetDatabase(path);
     // libmdb trusts the pages it is pointed at; a file cut short is refused before it reads.

@@ -3,10 +3,17 @@
 // Page-level access to a Jet 4 file for the program's own writer. Pages are read once and kept;
 // changed pages are written back by Commit in an order that keeps the file readable if the
 // process stops between two writes: new pages first, then the pages that point to them.
+//
+// Before a Commit overwrites anything it leaves a journal beside the file (its name + "-journal")
+// with the file's committed length and the old content of every page it is about to change.
+// A failed write puts that content back at once; a writer that never came back (killed,
+// crashed) leaves the journal, and the next opening of the file puts it back then. Either way
+// the file is in the state of its last whole Commit.
 
 #include <QByteArray>
 #include <QString>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -57,6 +64,13 @@ inline void AppendU32BigEndian(QByteArray& b, uint32_t v) {
     for (int shift = 24; shift >= 0; shift -= 8) b.append(char((v >> shift) & 0xff));
 }
 
+// Puts back what a Commit cut off by the end of its process had begun to change, when the file's
+// journal says so. Does nothing when there is no journal, or while a writer holds the file.
+void RecoverInterruptedCommit(const QString& path);
+
+// Runs before every page write of a Commit; tests stop the writer there.
+void SetPageWriteHook(std::function<void()> hook);
+
 class PageFile {
   public:
     // Opens an existing Jet 4 file for writing. Refuses (VbError) a missing, read-only, locked or
@@ -72,14 +86,22 @@ class PageFile {
     uint32_t AllocatePage();
     // Marks a page to be written at the next Commit, in the stage given.
     void MarkChanged(uint32_t number, WriteStage stage);
-    // Writes the changed pages, stage by stage, then forgets the marks.
+    // Writes the changed pages, stage by stage, then forgets the marks. On a failed write the
+    // file is put back as it was before this Commit, and the WriteError tells why.
     void Commit();
     // Throws away changes not yet committed (after a refusal half way through a row).
     void Discard();
     uint32_t PageCount() const { return pageCount_; }
 
   private:
+    void WriteJournal();
+    void PutBackFromJournal();
+    void ForgetJournal();
+
     int fd_ = -1;
+    int journalFd_ = -1;
+    QString journalPath_;
+    QByteArray journal_;
     uint32_t pageCount_ = 0;
     uint32_t committedPageCount_ = 0;
     std::map<uint32_t, QByteArray> pages_;

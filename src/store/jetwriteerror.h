@@ -9,6 +9,7 @@ namespace jet {
 enum WriteErrorNumber {
     kErrorDuplicate = 3022,
     kErrorFileNotFound = 3024,
+    kErrorDiskFull = 3026,
     kErrorLocked = 3045,
     kErrorCannotOpen = 3051,
     kErrorFieldTooSmall = 3163,

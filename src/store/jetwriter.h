@@ -3,7 +3,8 @@
 // The program's own writer of Jet 4 files: appends rows to a table of an existing file and
 // changes rows in place, keeping the table's usage maps, row count, autonumber and indexes right.
 // Each row is complete on disk before the next one starts; a row that is refused (a duplicate
-// key, a value that does not fit, a long value) leaves the file as it was.
+// key, a value that does not fit, a long value) leaves the file as it was, and so does a row
+// whose writing fails (a full disk) or is cut off by the end of the process (see PageFile).
 
 #include <QHash>
 #include <QString>

@@ -1,6 +1,8 @@
 -- The template catalogue: seven tables, their relations and the rows a new user starts with.
 -- Text widths are declared as TEXT(n); the store reads them back as the fields' sizes and the
 -- named CHECK constraints make it refuse longer text, as the program expects of its catalogue.
+-- The number columns of title that the CD players' imports leave alone default to 0, as a new
+-- Number field does in Access, so that every title has a rating for the HTML page to add up.
 -- Text compares as Jet compares it (JETTEXT, which the program registers on every connection):
 -- without regard to case, accented letters beside their base letters.
 
@@ -43,19 +45,19 @@ CREATE TABLE title (
     idtype INTEGER REFERENCES type (idtype) ON DELETE CASCADE,
     idspecific INTEGER REFERENCES specific (idspecific) ON DELETE CASCADE,
     idmediatype INTEGER REFERENCES mediatype (idmediatype) ON DELETE CASCADE,
-    iddevicetype INTEGER,
-    idfilesystem INTEGER,
-    capacity DOUBLE,
-    freespace DOUBLE,
+    iddevicetype INTEGER DEFAULT 0,
+    idfilesystem INTEGER DEFAULT 0,
+    capacity DOUBLE DEFAULT 0,
+    freespace DOUBLE DEFAULT 0,
     label TEXT(32) COLLATE JETTEXT CONSTRAINT width_label CHECK (length(label) <= 32),
-    rating SMALLINT CONSTRAINT range_rating CHECK (rating BETWEEN -32768 AND 32767),
+    rating SMALLINT DEFAULT 0 CONSTRAINT range_rating CHECK (rating BETWEEN -32768 AND 32767),
     listing LONGTEXT COLLATE JETTEXT,
     TitleID INTEGER UNIQUE,
     NumTracks BYTE CONSTRAINT range_NumTracks CHECK (NumTracks BETWEEN 0 AND 255),
     memo LONGTEXT COLLATE JETTEXT,
     created DATE,
     modified DATE,
-    price DOUBLE,
+    price DOUBLE DEFAULT 0,
     visible BOOLEAN DEFAULT 1
 );
 

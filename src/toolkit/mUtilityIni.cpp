@@ -42,7 +42,15 @@ QString ValueOf(const QString& line) {
 
 IniFile::IniFile(const QString& path) : path_(path) {
     QFile file(path);
-    if (file.open(QIODevice::ReadOnly)) parse(file.readAll());
+    if (!file.exists()) return;
+    QByteArray bytes;
+    if (file.open(QIODevice::ReadOnly)) bytes = file.readAll();
+    // Taken for empty, an unreadable file would be replaced by the few keys written to it.
+    if (file.error() != QFileDevice::NoError) {
+        readError_ = file.errorString();
+        return;
+    }
+    parse(bytes);
 }
 
 IniFile::IniFile(const QString& path, const QByteArray& bytes) : path_(path) {
@@ -158,6 +166,7 @@ QString IniFile::text() const {
 }
 
 bool IniFile::save() const {
+    if (!readError_.isEmpty()) return false;
     QSaveFile file(path_);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) return false;
     // A short write (a full disc, the file size limit) must not replace the old file.

@@ -15,7 +15,8 @@
 // new file gets CRLF as on Windows.
 class IniFile {
   public:
-    // Loads the file if it exists; a missing file is an empty profile.
+    // Loads the file if it exists; a missing file is an empty profile. A file that exists but
+    // cannot be read is empty too, and is never written (see readError).
     explicit IniFile(const QString& path);
     // Takes bytes as the file's content; a save writes them to path.
     IniFile(const QString& path, const QByteArray& bytes);
@@ -29,8 +30,11 @@ class IniFile {
     // Adds an empty section when there is none of that name.
     void addSection(const QString& section);
 
-    // Writes the whole file; false when it cannot be written (the file is left as it was).
+    // Writes the whole file; false when it cannot be written or could not be read (the file is
+    // left as it was).
     bool save() const;
+    // Why the file that exists could not be read; empty when it was read or is not there.
+    QString readError() const { return readError_; }
 
   private:
     int sectionLine(const QString& section) const;
@@ -43,6 +47,7 @@ class IniFile {
     QString text() const;
 
     QString path_;
+    QString readError_;
     QStringList lines_;
     QStringList lineEnds_;
     QString lineEnd_ = "\r\n";

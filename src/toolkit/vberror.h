@@ -22,5 +22,15 @@ class VbError : public std::exception {
     QByteArray whatText;
 };
 
+// One statement of a routine whose errors pass on to the next statement: a failure ends this
+// statement alone, and the routine goes on.
+template <typename Statement>
+void ResumeNext(Statement&& statement) {
+    try {
+        statement();
+    } catch (const VbError&) {
+    }
+}
+
 // The name under which the program raises its own errors (1309, 1500...).
 QString ProgramFileName();

@@ -12,6 +12,7 @@
 #include "lookups/viewqueries.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobals.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mUtility.h"
 
 using namespace exporttest;
@@ -205,7 +206,11 @@ class ExportWindowTest : public QObject {
 
     void twoDestinationsShareTheRowsAndAFailedWriterClosesAnyway() {
         ScriptedDialogs dialogs;
-        SetDocumentOpener([](const QUrl&) { return true; });
+        bool busyWhileWriting = false;
+        SetDocumentOpener([&busyWhileWriting](const QUrl&) {
+            busyWhileWriting = ProgramIsBusy();
+            return true;
+        });
         ClickTreeNode("root");
         frmExport form(gMainForm);
         form.Form_Load();
@@ -223,6 +228,7 @@ class ExportWindowTest : public QObject {
                  {"Could not export to file " + folder_->path() + "!", vbExclamation, "Velmora"}}));
         QCOMPARE(form.result(), int(QDialog::Accepted));
         QVERIFY(!form.isVisible());
+        QVERIFY(busyWhileWriting && !ProgramIsBusy());
     }
 
     void toolbarButtonOpensTheWindow() {

@@ -4,6 +4,7 @@
 // back by mdbtools, by the program's reading, and by the import into an empty catalogue; the
 // page is also read by a real browser.
 
+#include <sys/fsuid.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -50,6 +51,19 @@ class FileSizeLimit {
 
   private:
     rlimit saved_{};
+};
+
+// File permissions that bind this thread even when the tests run as root.
+class ActingAsNobody {
+  public:
+    ActingAsNobody() {
+        setfsgid(65534);
+        setfsuid(65534);
+    }
+    ~ActingAsNobody() {
+        setfsuid(getuid());
+        setfsgid(getgid());
+    }
 };
 
 // The Deluxe writer's closing box.
@@ -204,12 +218,14 @@ class WritersTest : public QObject {
         Export(&frmExport::ExportToTabFile);
         QVERIFY(dialogs.msgBoxes.isEmpty());
 
-        // A title without a rating stops the page's statistics.
+        // A title without a rating stops the page's statistics; the two lines written before
+        // stay.
         gDatabase->Execute("update title set rating = NULL where idcd = 5");
         Select(kTitleJoinInListOrder);
         dialogs.answerFile(folder_->file("null.html"));
         Export(&frmExport::ExportToHtml);
         QCOMPARE(dialogs.takeBoxes(), Boxes({failed(folder_->file("null.html"))}));
+        QCOMPARE(Lines(ReadBytes(folder_->file("null.html"))).size(), 2);
         gDatabase->Execute("update title set rating = 65 where idcd = 5");
 
         // A full disc: the file size limit stops the page part way.
@@ -225,6 +241,18 @@ class WritersTest : public QObject {
                  Boxes({failed(folder_->file("full.html")), failed(folder_->file("full.txt"))}));
         QVERIFY(opened_.isEmpty());
         QCOMPARE(Scalar("select count(*) from title").toInt(), 5);
+
+        // Tracks that cannot be read stop the TAB file at the first audio title with tracks,
+        // after the lines of the video and the PC title.
+        form_->ExportRecordset.reset();
+        gDatabase->Execute("drop table Tracks");
+        Select(kTitleJoin + " order by platform.nmplatform desc, title.nmcd");
+        dialogs.answerFile(folder_->file("cut.txt"));
+        Export(&frmExport::ExportToTabFile);
+        QCOMPARE(dialogs.takeBoxes(), Boxes({failed(folder_->file("cut.txt"))}));
+        const QStringList cut = Lines(ReadBytes(folder_->file("cut.txt")));
+        QCOMPARE(cut.size(), 2);
+        QVERIFY(cut[0].contains("Nosferatu") && cut[1].contains("Café Tycoon"));
     }
 
     void tabFileHoldsFourteenColumnsWithTokens() {
@@ -354,6 +382,16 @@ class WritersTest : public QObject {
             "[1A2B3C]\r\n0=J\xF3ga\r\n1=Bachelorette\r\n2=Hunter\r\n3=d\r\nnumtracks=3\r\n"
             "EntryType=1\r\nartist=Bj\xF6rk\r\ntitle=Homog\xE9nic\r\norder=0 1 "
             "2\r\nnumplay=3\r\n"));
+
+        // Tracks that cannot be read cost the track keys alone.
+        form_->ExportRecordset.reset();
+        gDatabase->Execute("drop table Tracks");
+        Select(kTitleJoinInListOrder);
+        WriteBytes(ini, "");
+        Export(&frmExport::ExportToCdPlayerIni);
+        QVERIFY(ReadBytes(ini).startsWith(
+            "[1A2B3C]\r\nEntryType=1\r\nartist=Bj\xF6rk\r\ntitle=Homog\xE9nic\r\n"
+            "numtracks=3\r\norder=0 1 2\r\nnumplay=3\r\n"));
     }
 
     void damagedOrUnwritableCdPlayerIniIsNeverCut() {
@@ -382,6 +420,19 @@ class WritersTest : public QObject {
         QCOMPARE(ReadBytes(ini), QByteArray("[CDDB]\r\nkeep=me\r\n"));
         QCOMPARE(dialogs.takeBoxes(),
                  Boxes({{"Could not export to file " + ini + "!", vbExclamation, "Velmora"}}));
+
+        // A file that cannot be read is not taken for an empty one: a box, and no write.
+        QFile::setPermissions(ini, QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther);
+        QFile::setPermissions(folder_->path(), QFile::permissions(folder_->path()) |
+                                                   QFile::WriteOther | QFile::ExeOther);
+        {
+            const ActingAsNobody nobody;
+            Export(&frmExport::ExportToCdPlayerIni);
+        }
+        QCOMPARE(ReadBytes(ini), QByteArray("[CDDB]\r\nkeep=me\r\n"));
+        QCOMPARE(dialogs.takeBoxes(), Boxes({{"Could not export to file " + ini +
+                                                  "!\r\n\r\nIt cannot be read: Permission denied",
+                                              vbExclamation, "Velmora"}}));
     }
 
     void newTitlesAndTracksAreAppendedAndDuplicatesSkipped() {

@@ -122,6 +122,11 @@ class ImportTest : public QObject {
         QCOMPARE(tracks, QStringList({"Track 1", "Named", "Track 3"}));
         QCOMPARE(Scalar("select nmcd from title where TitleID = -1").toString(), QString("Minus"));
         QCOMPARE(RowCount("vendor where nmvendor = 'Caf\u00e9 Band'"), 1L);
+        // What the player's file does not tell takes the template's 0, so that the HTML page can
+        // add up the ratings.
+        QCOMPARE(
+            RowCount("title where rating = 0 and capacity = 0 and freespace = 0 and price = 0"),
+            2L);
 
         // Again with overwriting: every title renewed, created kept, nothing refused but the
         // section without a count, which stops the import.

@@ -389,6 +389,17 @@ class DatabaseWindowRoadTest : public QObject {
         QVERIFY(NodeWithKey("key3"));
         QVERIFY(!QFile::exists(folder.file("data.compacted")));
         QVERIFY(gDatabase && gDatabase->IsOpen());
+
+        // A failing statement of the loading passes on to the next: with no specific items to
+        // read, the type the node names is still selected.
+        gDatabase->Execute("drop table specific");
+        testsupport::RejectNextModal([&](QWidget* window) {
+            auto* maintenance = qobject_cast<frmDatabase*>(window);
+            selected = maintenance->cmbPlatform->currentText() + "/" +
+                       maintenance->lstType->currentItem()->text();
+        });
+        form->Toolbar1_ButtonClick("maintenance");
+        QCOMPARE(selected, QString("Audio/Jazz"));
         EndProgram();
     }
 };
