@@ -1,7 +1,10 @@
 // The title list of the main window: its columns, items, sorting and selection.
 
+#include <QApplication>
 #include <QHeaderView>
+#include <QPainter>
 #include <QScopedValueRollback>
+#include <QStyledItemDelegate>
 
 #include "shell/frmMain.h"
 #include "shell/mGlobals.h"
@@ -11,6 +14,30 @@
 namespace {
 
 const double kFirstColumnShare = 0.4;
+
+// The list control's grid lines: a line under every row and one at the right of every
+// column, in the colour the style gives a table's grid. Each cell keeps a pixel for them.
+class GridLinesDelegate : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyledItemDelegate::paint(painter, option, index);
+        const QStyle* style = option.widget ? option.widget->style() : QApplication::style();
+        const auto grid = static_cast<QRgb>(
+            style->styleHint(QStyle::SH_Table_GridLineColor, &option, option.widget));
+        painter->save();
+        painter->setPen(QColor::fromRgba(grid));
+        painter->drawLine(option.rect.bottomLeft(), option.rect.bottomRight());
+        painter->drawLine(option.rect.topRight(), option.rect.bottomRight());
+        painter->restore();
+    }
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(1, 1);
+    }
+};
 
 class ListEvents : public QObject {
   public:
@@ -33,6 +60,7 @@ void frmMain::SetupList() {
     listModel_ = new TitleListModel(this);
     listModel_->SetSorting(true, 0, Qt::AscendingOrder);
     ListView1->setModel(listModel_);
+    ListView1->setItemDelegate(new GridLinesDelegate(ListView1));
     ListView1->setUniformRowHeights(true);
     ListView1->setItemsExpandable(false);
     ListView1->setAllColumnsShowFocus(true);

@@ -18,7 +18,15 @@ const QSize kIconSize(16, 16);
 // marks the node under it for the folder menu; the selection stays where it is.
 class TreeEvents : public QObject {
   public:
-    explicit TreeEvents(frmMain* form) : QObject(form), form_(form) {}
+    explicit TreeEvents(frmMain* form) : QObject(form), form_(form) {
+        // A press on the node that is already current moves nothing, so no currentItemChanged
+        // follows; the click must still reach TV1_NodeClick, which reads when the tree was
+        // rebuilt under the list.
+        connect(form->TV1, &QTreeWidget::itemPressed, this, [this](QTreeWidgetItem* node) {
+            if (node == currentAtPress_) form_->TV1_NodeClick(node);
+            currentAtPress_ = nullptr;
+        });
+    }
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
@@ -33,12 +41,14 @@ class TreeEvents : public QObject {
                 form_->TV1->setFocus(Qt::MouseFocusReason);
                 return true;
             }
+            currentAtPress_ = form_->SelectedNode();
         }
         return QObject::eventFilter(watched, event);
     }
 
   private:
     frmMain* form_;
+    QTreeWidgetItem* currentAtPress_ = nullptr;
 };
 
 }  // namespace

@@ -68,7 +68,19 @@ QSize CoolMenuStyle::sizeFromContents(ContentsType type, const QStyleOption* opt
     if (tab >= 0)
         width += 3 * kPictureSize / 2 + metrics.horizontalAdvance(item->text.mid(tab + 1));
     const int height = std::max(metrics.height(), cyMenu);
-    return QSize(width + 5 + (kPictureSize + 2) * 2 - (kCheckMarkWidth - 1), height);
+    // The classic measure takes the check mark's width off, counting on the system's menu to
+    // add it back to every owner-drawn item. A QMenu adds nothing, so it is added back here,
+    // or the caption loses its last letters.
+    const int classic = width + 5 + (kPictureSize + 2) * 2 - (kCheckMarkWidth - 1);
+    return QSize(classic + kCheckMarkWidth, height);
+}
+
+int CoolMenuStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                             QStyleHintReturn* returnData) const {
+    // As in the system's menus, the pointer and the arrow keys highlight a disabled item too,
+    // so that its help shows.
+    if (hint == SH_Menu_AllowActiveAndDisabled) return 1;
+    return QProxyStyle::styleHint(hint, option, widget, returnData);
 }
 
 void CoolMenuStyle::drawControl(ControlElement element, const QStyleOption* option,
@@ -108,7 +120,7 @@ void CoolMenuStyle::DrawItem(const QStyleOptionMenuItem* item, QPainter* painter
     const QAction* action = menu ? menu->actionAt(item->rect.center()) : nullptr;
     const CMyItemData* data = CoolMenuItem(action);
     const bool enabled = item->state & State_Enabled;
-    const bool selected = enabled && (item->state & State_Selected);
+    const bool selected = item->state & State_Selected;
     const bool checked = action ? action->isChecked() : item->checked;
     const QRect box = PictureBox(item->rect);
     const QRect textRect(box.right() + 6, item->rect.top(), item->rect.right() - box.right() - 14,
@@ -165,8 +177,9 @@ void CoolMenuStyle::DrawItem(const QStyleOptionMenuItem* item, QPainter* painter
     const QRect captionRect = textRect.adjusted(0, 0, -4, 0);
     const QString caption = item->text.left(tab);
     const QString shortcut = tab >= 0 ? item->text.mid(tab + 1) : QString();
-    if (enabled) {
-        painter->setPen(text);
+    if (enabled || selected) {
+        // A highlighted disabled item is greyed on the bar, where a relief would not show.
+        painter->setPen(enabled ? text : item->palette.color(QPalette::Disabled, QPalette::Text));
         painter->drawText(captionRect, flags | Qt::AlignLeft, caption);
         painter->drawText(captionRect, flags | Qt::AlignRight, shortcut);
     } else {

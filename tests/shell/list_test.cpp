@@ -109,6 +109,16 @@ class ListTest : public QObject {
         QHeaderView* header = form->ListView1->header();
         QVERIFY(header->sectionSize(1) >=
                 form->ListView1->fontMetrics().horizontalAdvance("Various artists"));
+        // Grid lines under each row and between the columns.
+        QTreeView* list = form->ListView1;
+        QStyleOption option;
+        option.initFrom(list);
+        const QColor grid = QColor::fromRgba(
+            QRgb(list->style()->styleHint(QStyle::SH_Table_GridLineColor, &option, list)));
+        const QImage drawn = list->viewport()->grab().toImage();
+        const QRect cell = list->visualRect(form->ListModel()->index(1, 1));
+        QCOMPARE(drawn.pixelColor(cell.center().x(), cell.bottom()), grid);
+        QCOMPARE(drawn.pixelColor(cell.right(), cell.center().y()), grid);
 
         // A platform folder lists its own titles, a type folder those of its type.
         ClickNode(NodeWithKey("key9"));

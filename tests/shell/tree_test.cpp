@@ -106,6 +106,21 @@ class TreeTest : public QObject {
         QVERIFY(!gViewSQL.isEmpty());
         QCOMPARE(gRequestedKey, QString("forcechange"));
 
+        // A renamed platform moves in the name order, so the rebuilt tree selects another
+        // folder than the list shows; a click on that folder reads it.
+        ClickNode(NodeWithKey("key1"));
+        gDatabase->Execute("UPDATE platform SET nmplatform = 'Zither' WHERE idplatform = 1");
+        gTreeDirty = true;
+        RefreshIfDirty();
+        QTreeWidgetItem* highlighted = form->SelectedNode();
+        const QString key = form->NodeKey(highlighted);
+        QVERIFY(key != "key1");
+        gViewSQL.clear();
+        ClickNode(highlighted);
+        QCOMPARE(gRequestedKey, key);
+        QVERIFY2(gViewSQL.contains(QString("platform.idplatform >= %1 and").arg(key.mid(3))),
+                 qPrintable(gViewSQL));
+
         // The dirty list is read again, the clean one is not.
         gViewSQL.clear();
         RefreshIfDirty();
