@@ -16,6 +16,7 @@
 #include "toolkit/GCommonDialog.h"
 #include "toolkit/cCommonDialog.h"
 #include "toolkit/guardeddialog.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
@@ -210,6 +211,8 @@ void frmExport::RunDestination(Writer writer, bool nothingToExport, const QStrin
     ExportRecordset->MoveFirst();
     SetMousePointer(vbHourglass);
     (this->*writer)(count);
+    // Every road out of a writer, its failures too, ends the progress it reported.
+    EndProgress("Exporting title");
     SetMousePointer(vbArrow);
     ExportRecordset->MoveFirst();
 }

@@ -8,6 +8,7 @@
 #include "export/exportsupport.h"
 #include "export/frmExport.h"
 #include "store/dao.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mUtilityIni.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
@@ -45,6 +46,7 @@ void frmExport::ExportToCdPlayerIni(long& Count) {
     Recordset& titles = *ExportRecordset;
     IniFile ini(IniPath);
     for (long row = 0; row < Count && !titles.IsEOF(); ++row, titles.MoveNext()) {
+        ReportProgress("Exporting title", row + 1, Count);
         if (!IsPlayerDisc(titles)) continue;
         const QString section = SectionOf(titles["TitleID"]);
         if (!OverwriteTitles && ini.value(section, "numtracks").value_or("no") != "no") {
