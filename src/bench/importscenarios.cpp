@@ -16,12 +16,14 @@
 
 namespace {
 
-void InstallCatalogue(const QString& folder) {
+// The template as data.dll, and as data.gdb unless a catalogue to start from is given.
+void InstallCatalogue(const QString& folder, const QString& catalogue = QString()) {
     const QString templatePath = VELMORA_TEMPLATE_PATH;
     for (const QString& name : {QString("data.dll"), QString("data.gdb")}) {
+        const QString source =
+            name == "data.gdb" && !catalogue.isEmpty() ? catalogue : templatePath;
         QFile::remove(folder + "/" + name);
-        if (!QFile::copy(templatePath, folder + "/" + name))
-            throw VbError(0, "Cannot copy " + templatePath);
+        if (!QFile::copy(source, folder + "/" + name)) throw VbError(0, "Cannot copy " + source);
         QFile::setPermissions(folder + "/" + name, QFile::ReadOwner | QFile::WriteOwner);
     }
     App.Path = folder;
@@ -101,15 +103,17 @@ void ChooseDefaults(frmImport& window) {
     window.cmbDefSpecific->setCurrentIndex(0);
 }
 
-// Times one import per run, each into a fresh catalogue with the window as the user leaves it;
-// check throws when the run did not import everything.
+// Times one import per run, each into a fresh copy of the catalogue (the template when none is
+// given) with the window as the user leaves it; check throws when the run did not import
+// everything.
 std::vector<double> TimeFreshImports(int runs, const std::function<void(frmImport&)>& prepare,
                                      const std::function<void(frmImport&)>& import,
-                                     const std::function<void(frmImport&)>& check) {
+                                     const std::function<void(frmImport&)>& check,
+                                     const QString& catalogue = QString()) {
     std::vector<double> times;
     for (int run = 0; run < runs; ++run) {
         QTemporaryDir folder;
-        InstallCatalogue(folder.path());
+        InstallCatalogue(folder.path(), catalogue);
         frmImport window;
         window.Form_Load();
         prepare(window);
@@ -173,7 +177,7 @@ std::vector<double> TimeCdPlayerIniImport(int sections, int runs) {
     return times;
 }
 
-std::vector<double> TimeDeluxeImport(int titles, int runs) {
+std::vector<double> TimeDeluxeImport(int titles, int runs, const QString& catalogueFolder) {
     QTemporaryDir files;
     const QString path = MakeDeluxeFile(files.path(), titles);
     return TimeFreshImports(
@@ -189,5 +193,6 @@ std::vector<double> TimeDeluxeImport(int titles, int runs) {
                 throw VbError(0, QString("%1 of %2 titles failed")
                                      .arg(window.DeluxeDuplicates)
                                      .arg(window.DeluxeTried));
-        });
+        },
+        catalogueFolder.isEmpty() ? QString() : catalogueFolder + "/data.gdb");
 }

@@ -8,5 +8,7 @@
 // TAB scenario also reports how much the process grew.
 std::vector<double> TimeTabImport(int lines, int runs, double* growthMegabytes);
 std::vector<double> TimeCdPlayerIniImport(int sections, int runs);
-// A Deluxe CD player database of the given number of titles, twelve tracks each.
-std::vector<double> TimeDeluxeImport(int titles, int runs);
+// A Deluxe CD player database of the given number of titles, twelve tracks each, into the
+// template or into a copy of the catalogue of catalogueFolder.
+std::vector<double> TimeDeluxeImport(int titles, int runs,
+                                     const QString& catalogueFolder = QString());

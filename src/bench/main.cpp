@@ -186,6 +186,11 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
          [](Catalogues&, int runs) {
              Report("Deluxe import 300 titles x 12 tracks", TimeDeluxeImport(300, runs));
          }},
+        {"import-deluxe-300-into-32767",
+         [](Catalogues& c, int runs) {
+             Report("Deluxe import 300 titles x 12 tracks into 32767 titles",
+                    TimeDeluxeImport(300, runs, c.FolderFor(32767)));
+         }},
         {"download-20mib",
          [](Catalogues&, int runs) {
              Report("Download 20 MiB from a loopback server", TimeDownload(20, runs));

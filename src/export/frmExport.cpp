@@ -215,6 +215,8 @@ void frmExport::RunDestination(Writer writer, bool nothingToExport, const QStrin
         const BusyScope busy;
         (this->*writer)(count);
     }
+    // Every road out of a writer, its failures too, ends the progress it reported.
+    EndProgress("Exporting title");
     SetMousePointer(vbArrow);
     ExportRecordset->MoveFirst();
 }

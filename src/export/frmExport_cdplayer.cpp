@@ -8,6 +8,7 @@
 #include "export/exportsupport.h"
 #include "export/frmExport.h"
 #include "store/dao.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mUtilityIni.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
@@ -58,6 +59,7 @@ void frmExport::ExportToCdPlayerIni(long& Count) {
         return;
     }
     for (long row = 0; row < Count && !titles.IsEOF(); ++row, titles.MoveNext()) {
+        ReportProgress("Exporting title", row + 1, Count);
         if (!IsPlayerDisc(titles)) continue;
         const QString section = SectionOf(titles["TitleID"]);
         if (!OverwriteTitles && ini.value(section, "numtracks").value_or("no") != "no") {

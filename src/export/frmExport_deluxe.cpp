@@ -10,6 +10,7 @@
 #include "store/catalogue.h"
 #include "store/dao.h"
 #include "store/jetfilewriter.h"
+#include "toolkit/longwork.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
 
@@ -24,7 +25,7 @@ void SetTitleFields(Recordset& deluxeTitle, Recordset& titles, Recordset& vendor
 
 }  // namespace
 
-void frmExport::ExportToDeluxe([[maybe_unused]] long& Count) {
+void frmExport::ExportToDeluxe(long& Count) {
     const ScopedJetFileWriter fileWriter;
     std::unique_ptr<Database> deluxe;
     std::unique_ptr<Recordset> deluxeTracks;
@@ -44,6 +45,7 @@ void frmExport::ExportToDeluxe([[maybe_unused]] long& Count) {
     Recordset& titles = *ExportRecordset;
     try {
         for (; !titles.IsEOF(); titles.MoveNext()) {
+            ReportProgress("Exporting title", titles.AbsolutePosition() + 1, Count);
             if (!IsPlayerDisc(titles)) continue;
             const QVariant titleId = titles["TitleID"];
             ++DeluxeExportTried;

@@ -7,6 +7,7 @@
 #include "export/exportsupport.h"
 #include "export/frmExport.h"
 #include "store/dao.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
@@ -152,6 +153,7 @@ void frmExport::ExportToHtml(long& Count) {
         page.WriteLine(kPlatforms + QString::number(platformCount) + kPlatformsEnd);
 
         for (; !titles.IsEOF(); titles.MoveNext()) {
+            ReportProgress("Exporting title", titles.AbsolutePosition() + 1, Count);
             const QString platform = NzText(titles["nmplatform"]);
             if (platform != lastPlatform) {
                 if (!lastPlatform.isEmpty()) page.WriteLine(kPlatformClose);

@@ -9,6 +9,7 @@
 #include "export/exportsupport.h"
 #include "export/frmExport.h"
 #include "store/dao.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
@@ -108,7 +109,10 @@ void frmExport::ExportToTabFile(long& Count) {
     ExportFileName = name;
     try {
         ExportTextFile file(name, false);
-        for (; !titles.IsEOF(); titles.MoveNext()) file.WriteLine(TabLine(titles));
+        for (; !titles.IsEOF(); titles.MoveNext()) {
+            ReportProgress("Exporting title", titles.AbsolutePosition() + 1, Count);
+            file.WriteLine(TabLine(titles));
+        }
         file.Close();
     } catch (const VbError&) {
         MsgBox("Could not export to file " + name + "!", vbExclamation);
@@ -133,6 +137,7 @@ void frmExport::ExportToClipboard(long& Count) {
             report.WriteLine();
             report.WriteLine();
             for (; !titles.IsEOF(); titles.MoveNext()) {
+                ReportProgress("Exporting title", titles.AbsolutePosition() + 1, Count);
                 report.WriteLine(kBoxLine);
                 report.WriteLine(" Number      " + QString::number(titles.AbsolutePosition() + 1) +
                                  " of " + QString::number(Count));

@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QVBoxLayout>
 
 #include "shell/frmMain.h"
@@ -10,6 +11,8 @@
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "toolkit/guardeddialog.h"
+#include "toolkit/keyupguard.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
@@ -26,6 +29,7 @@ QCheckBox* CheckBox(const QString& caption, const QString& tooltip, bool checked
 }  // namespace
 
 frmImport::frmImport(QWidget* owner) : QDialog(owner) {
+    keyupguard::Install();
     BuildWindow();
 }
 
@@ -106,6 +110,31 @@ void frmImport::BuildWindow() {
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(TabStrip1);
     layout->addLayout(buttons);
+
+    std::vector<QWidget*> controls = {cmbDefType, cmbDefSpecific, cmdOK, cmdCancel,
+                                      TabStrip1->tabBar()};
+    controls.insert(controls.end(), Check1.begin(), Check1.end());
+    controls.insert(controls.end(), Check2.begin(), Check2.end());
+    for (QWidget* control : controls) control->installEventFilter(this);
+}
+
+bool frmImport::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress && event->type() != QEvent::KeyRelease)
+        return QDialog::eventFilter(watched, event);
+    const auto* key = static_cast<QKeyEvent*>(event);
+    const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+    const bool escape = key->key() == Qt::Key_Escape;
+    if (!enter && !escape) return false;
+    // The key-down must not reach the dialog's own handling, which would act at once.
+    if (event->type() == QEvent::KeyPress) return true;
+    // A key-up whose key-down went to a box or an open list is not ours.
+    if (!keyupguard::CameHere(watched, key)) return false;
+    // OK is the default button: Enter on any control but Cancel starts the import.
+    if (escape || watched == cmdCancel)
+        cmdCancel_Click();
+    else
+        cmdOK_Click();
+    return true;
 }
 
 void frmImport::SetMousePointer(int pointer) {
@@ -219,6 +248,8 @@ void frmImport::cmdOK_Click() {
                "Select a specific item first");
         return;
     }
+    // Closing the program waits until the imports and their boxes are done.
+    const BusyScope busy;
     if (Check1[0]->isChecked()) {
         SetMousePointer(vbHourglass);
         ImportCdPlayerIni();

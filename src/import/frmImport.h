@@ -65,6 +65,10 @@ class frmImport : public QDialog {
     qint32 TabFailed = 0;
     qint16 LastDefaultType = 32765;
 
+  protected:
+    // Enter and Escape act at key-up, from every control of the window.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     void BuildWindow();
     // The item data of the chosen row of a default combo.

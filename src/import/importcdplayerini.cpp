@@ -1,12 +1,14 @@
 // Titles from the default CD player's cdplayer.ini: one section a disc, named by the disc's
 // TitleID in hexadecimal.
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
 #include "import/frmImport.h"
 #include "import/importvalues.h"
 #include "store/catalogue.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbconvert.h"
@@ -54,6 +56,45 @@ void AddTracks(const IniDisc& disc, long idcd) {
     }
 }
 
+// Adds one disc, or renews it when overwriting; true when it went in. An error of the renewal
+// has no further trap and is thrown.
+bool ImportDisc(frmImport& window, const IniDisc& disc, long& idvendor, long idtype,
+                long idspecific) {
+    try {
+        idvendor = AudioVendorId(disc.Value("artist"));
+        auto title = gDatabase->OpenRecordset("title");
+        title->AddNew();
+        SetTitleFields(*title, disc, idvendor, idtype, idspecific);
+        title->Fields("created").SetValue(TodayText());
+        const long idcd = (*title)["idcd"].toLongLong();
+        title->Update();
+        AddTracks(disc, idcd);
+        return true;
+    } catch (const VbError&) {
+        if (!window.OverwriteTitles) {
+            if (window.WarnTitles)
+                MsgBox("The cd with title '" + disc.Value("title") +
+                           "' cannot be added and will be skipped." + "\r\r" +
+                           "Most likely reason is that it allready existed in Velmora's "
+                           "Database.",
+                       vbExclamation, "Importing from " + window.Check1[0]->text());
+            ++window.IniDuplicates;
+            return false;
+        }
+    }
+    // Overwriting renews the title that has this TitleID, keeping its created date.
+    const qint32 titleId = HexLiteral(disc.section);
+    auto title =
+        gDatabase->OpenRecordset("select * from title where TitleID = " + QString::number(titleId));
+    const long idcd = (*title)["idcd"].toLongLong();
+    title->Edit();
+    SetTitleFields(*title, disc, idvendor, idtype, idspecific);
+    title->Update();
+    gDatabase->Execute("Delete from Tracks where idcd = " + QString::number(idcd));
+    AddTracks(disc, idcd);
+    return true;
+}
+
 }  // namespace
 
 void frmImport::ImportCdPlayerIni() {
@@ -78,48 +119,30 @@ void frmImport::ImportCdPlayerIni() {
         sections[count++] = line.mid(1, line.size() - 2);
     }
 
-    const ImportTransaction transaction;
     const long idtype = DefaultId(cmbDefType);
     const long idspecific = DefaultId(cmbDefSpecific);
-    for (int s = 0; s < count; ++s) {
-        const IniDisc disc{IniPath, sections[s]};
-        long idvendor = 0;
+    const QString progress = "Importing title";
+    ImportBatches batches(Check1[0]->text(), IniPath);
+    // Kept from disc to disc: a disc whose vendor cannot be found or made (an artist with an
+    // apostrophe) is renewed with the previous disc's vendor when overwriting.
+    long idvendor = 0;
+    int s = 0;
+    for (; s < count; ++s) {
+        ReportProgress(progress, s + 1, count);
+        bool kept = false;
         try {
-            idvendor = AudioVendorId(disc.Value("artist"));
-            auto title = gDatabase->OpenRecordset("title");
-            title->AddNew();
-            SetTitleFields(*title, disc, idvendor, idtype, idspecific);
-            title->Fields("created").SetValue(TodayText());
-            const long idcd = (*title)["idcd"].toLongLong();
-            title->Update();
-            AddTracks(disc, idcd);
-        } catch (const VbError&) {
-            if (!OverwriteTitles) {
-                if (WarnTitles)
-                    MsgBox("The cd with title '" + disc.Value("title") +
-                               "' cannot be added and will be skipped." + "\r\r" +
-                               "Most likely reason is that it allready existed in Velmora's "
-                               "Database.",
-                           vbExclamation, "Importing from " + Check1[0]->text());
-                ++IniDuplicates;
-                continue;
-            }
-            // Overwriting renews the title that has this TitleID, keeping its created date.
-            // An error here has no further trap: the import stops with it.
-            try {
-                const qint32 titleId = HexLiteral(disc.section);
-                auto title = gDatabase->OpenRecordset("select * from title where TitleID = " +
-                                                      QString::number(titleId));
-                const long idcd = (*title)["idcd"].toLongLong();
-                title->Edit();
-                SetTitleFields(*title, disc, idvendor, idtype, idspecific);
-                title->Update();
-                gDatabase->Execute("Delete from Tracks where idcd = " + QString::number(idcd));
-                AddTracks(disc, idcd);
-            } catch (const VbError& error) {
-                ShowImportStopped(Check1[0]->text(), IniPath, error.Number, error.Description);
-                return;
-            }
+            kept = ImportDisc(*this, IniDisc{IniPath, sections[s]}, idvendor, idtype, idspecific);
+        } catch (const VbError& error) {
+            ShowImportStopped(Check1[0]->text(), IniPath, error.Number, error.Description);
+            break;
         }
+        if (!batches.TitleDone(kept)) break;
+    }
+    EndProgress(progress);
+    if (!batches.Finish()) {
+        // Only the sections reached count, and the titles of the batch that was lost did not
+        // stay.
+        IniTried -= count - std::min(s + 1, count);
+        IniDuplicates += batches.Lost();
     }
 }

@@ -6,6 +6,7 @@
 #include "import/frmImport.h"
 #include "import/importvalues.h"
 #include "store/catalogue.h"
+#include "toolkit/longwork.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
 
@@ -28,11 +29,17 @@ void AddTrack(Recordset& tracks, long idcd, Recordset& rs) {
 void frmImport::ImportDeluxeDatabase() {
     std::unique_ptr<Database> deluxe;
     std::unique_ptr<Recordset> rs;
+    long discCount = 0;
     try {
         deluxe = DBEngine::OpenDatabase(DeluxePath);
         rs = deluxe->OpenRecordset(
             "select * from Titles, Tracks where Titles.TitleID = Tracks.TitleID order by Artist, "
             "Titles.TitleID, TrackID");
+        const auto discs = deluxe->OpenRecordset(
+            "select distinct Titles.TitleID from Titles, Tracks where Titles.TitleID = "
+            "Tracks.TitleID");
+        if (!discs->IsEOF()) discs->MoveLast();
+        discCount = discs->RecordCount();
     } catch (const VbError&) {
         MsgBox(QString("There was a problem loading de database of the Deluxe CD-Player.") +
                    "\r\r" + "New titles cannot be added, please verify that the " +
@@ -41,7 +48,16 @@ void frmImport::ImportDeluxeDatabase() {
         return;
     }
 
-    const ImportTransaction transaction;
+    try {
+        // Catalogues made before the template had it get the index the loop reads through.
+        gDatabase->Execute(
+            "CREATE INDEX IF NOT EXISTS title_newest_by_platform ON title (idplatform, idcd)");
+    } catch (const VbError& error) {
+        ShowImportStopped(Check1[1]->text(), DeluxePath, error.Number, error.Description);
+        return;
+    }
+    const QString progress = "Importing title";
+    ImportBatches batches(Check1[1]->text(), DeluxePath);
     const long idtype = DefaultId(cmbDefType);
     const long idspecific = DefaultId(cmbDefSpecific);
     try {
@@ -51,7 +67,18 @@ void frmImport::ImportDeluxeDatabase() {
         qint64 previousTitle = kNoTitleYet;
         long idvendor = 0;
         long idcd = 0;
+        // The disc whose rows are being read, and whether it went in; a batch ends between
+        // discs only.
+        qint64 disc = kNoTitleYet;
+        bool discKept = false;
+        long discsSeen = 0;
         while (!rs->IsEOF()) {
+            if (const qint64 rowDisc = (*rs)["Titles.TitleID"].toLongLong(); rowDisc != disc) {
+                if (disc != kNoTitleYet && !batches.TitleDone(discKept)) break;
+                disc = rowDisc;
+                discKept = false;
+                ReportProgress(progress, ++discsSeen, discCount);
+            }
             try {
                 const QString artist = NzText((*rs)["Artist"]);
                 if (artist != previousArtist) {
@@ -75,9 +102,12 @@ void frmImport::ImportDeluxeDatabase() {
                     titles->Fields("created").SetValue(TodayText());
                     titles->Fields("modified").SetValue(TodayText());
                     titles->Update();
+                    // Read through the index of that order, one row only.
                     auto newest = gDatabase->OpenRecordset(
-                        "select * from title where idplatform = 1 order by idcd desc");
+                        "select * from title where idplatform = 1 order by idcd desc",
+                        dbOpenForwardOnly);
                     idcd = (*newest)["idcd"].toLongLong();
+                    discKept = true;
                 }
                 AddTrack(*tracks, idcd, *rs);
             } catch (const VbError&) {
@@ -111,6 +141,7 @@ void frmImport::ImportDeluxeDatabase() {
                 existing->Fields("modified").SetValue(TodayText());
                 existing->Update();
                 idcd = (*existing)["idcd"].toLongLong();
+                discKept = true;
                 gDatabase->Execute("Delete from Tracks where idcd = " + QString::number(idcd));
                 // Serves for adding only, for the rest of the run.
                 tracks = gDatabase->OpenRecordset("select * from Tracks where idcd = 1");
@@ -118,8 +149,12 @@ void frmImport::ImportDeluxeDatabase() {
             }
             rs->MoveNext();
         }
+        if (rs->IsEOF() && disc != kNoTitleYet) batches.TitleDone(discKept);
     } catch (const VbError& error) {
         // An error of the overwrite itself, or of a track row, has no further trap.
         ShowImportStopped(Check1[1]->text(), DeluxePath, error.Number, error.Description);
     }
+    EndProgress(progress);
+    // Titles of a batch that could not be committed did not stay.
+    if (!batches.Finish()) DeluxeDuplicates += batches.Lost();
 }

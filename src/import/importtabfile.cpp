@@ -1,12 +1,15 @@
 // Titles from a TAB-delimited text file: one title a line in fourteen columns, the lookups it
 // names made as they are met.
 
+#include <algorithm>
+
 #include "import/frmImport.h"
 #include "import/importvalues.h"
 #include "import/tablookups.h"
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "toolkit/cCommonDialog.h"
+#include "toolkit/longwork.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbconvert.h"
 #include "toolkit/vberror.h"
@@ -55,7 +58,10 @@ void frmImport::ImportTabLine(const QStringList& Columns, Recordset& rs, bool Wa
         const qint32 titleId = Column(Columns, 9).isEmpty() ? 0 : CLngText(Column(Columns, 9));
         const int numTracks = NumberOr(Column(Columns, 10), 0, CByteText);
         const QString memo = MultiLine(Column(Columns, 11));
-        const QStringList trackNames = Column(Columns, 12).split(kNewLineToken);
+        // An empty column names no track at all.
+        const QStringList trackNames = Column(Columns, 12).isEmpty()
+                                           ? QStringList()
+                                           : Column(Columns, 12).split(kNewLineToken);
         const int discs = NumberOr(Column(Columns, 13), 1, CByteText);
 
         std::unique_ptr<Recordset> lookup;
@@ -138,25 +144,39 @@ void frmImport::ImportTabFile() {
         return;
     }
 
-    const ImportTransaction transaction;
-    for (const QString& line : lines) {
+    // A line of spaces alone is no record; a TAB is no space.
+    const auto blank = [](const QString& line) {
+        return std::all_of(line.begin(), line.end(), [](QChar c) { return c == u' '; });
+    };
+    const QString progress = "Importing line";
+    ImportBatches batches(Check1[2]->text(), path);
+    for (qsizetype index = 0; index < lines.size(); ++index) {
+        ReportProgress(progress, index + 1, lines.size());
+        const QString& line = lines[index];
+        if (blank(line)) {
+            DoEvents();
+            continue;
+        }
         QStringList columns;
+        bool succeeded = false;
         try {
-            if (!line.trimmed().isEmpty()) {
-                columns = line.split('\t');
-                ++TabTried;
-                bool succeeded = false;
-                ImportTabLine(columns, *rs, WarnTitles, succeeded);
-                if (!succeeded) ++TabFailed;
-            }
+            columns = line.split('\t');
+            ++TabTried;
+            ImportTabLine(columns, *rs, WarnTitles, succeeded);
+            if (!succeeded) ++TabFailed;
         } catch (const VbError&) {
             if (WarnTitles)
                 MsgBox("The cd with title '" + columns.value(3) +
                            "' cannot be added and will be skipped.",
                        vbExclamation, "Importing from " + Check1[2]->text());
         }
+        if (!batches.TitleDone(succeeded)) break;
         DoEvents();
     }
+    EndProgress(progress);
+    batches.Finish();
+    // Titles of a batch that could not be committed did not stay.
+    TabFailed += batches.Lost();
 
     if (ShowSummary)
         MsgBox("Tried to import " + QString::number(TabTried) + " title(s) from " +

@@ -11,11 +11,7 @@
 bool ReadTextLines(const QString& path, QStringList& lines) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return false;
-    QString text = DecodeText(file.readAll()).text;
-    lines = text.split('\n');
-    if (!lines.isEmpty() && lines.last().isEmpty()) lines.removeLast();
-    for (QString& line : lines)
-        if (line.endsWith('\r')) line.chop(1);
+    lines = DecodeLines(file.readAll());
     return true;
 }
 
@@ -30,20 +26,77 @@ void ShowImportStopped(const QString& source, const QString& file, int number,
            vbCritical, "Importing from " + source);
 }
 
-ImportTransaction::ImportTransaction() {
+namespace {
+
+constexpr int kBatchTitles = 500;
+constexpr qint64 kBatchMilliseconds = 250;
+
+}  // namespace
+
+ImportBatches::ImportBatches(const QString& source, const QString& file)
+    : source_(source), file_(file) {
     if (gDatabase && gDatabase->IsOpen() && !gDatabase->InTransaction()) {
         gDatabase->BeginTrans();
         own_ = true;
+        clock_.start();
     }
 }
 
-ImportTransaction::~ImportTransaction() {
-    if (!own_ || !gDatabase || !gDatabase->InTransaction()) return;
+ImportBatches::~ImportBatches() {
+    Finish();
+}
+
+bool ImportBatches::TitleDone(bool kept) {
+    if (!own_ || failed_) return !failed_;
+    // The engine undoes a whole transaction by itself on some failures (a full disk while it
+    // writes): the batch is gone, and the statement that failed has told why.
+    if (!gDatabase->InTransaction()) {
+        const VbError cause = DBEngine::Errors().value(0, VbError(3035));
+        lost_ = kept_;
+        Fail(cause.Number, cause.Description);
+        return false;
+    }
+    if (kept) ++kept_;
+    if (++titles_ < kBatchTitles && clock_.elapsed() < kBatchMilliseconds) return true;
+    if (!Commit()) return false;
+    try {
+        gDatabase->BeginTrans();
+    } catch (const VbError& error) {
+        Fail(error.Number, error.Description);
+        return false;
+    }
+    return true;
+}
+
+bool ImportBatches::Finish() {
+    if (!own_ || failed_) return !failed_;
+    own_ = false;
+    return Commit();
+}
+
+bool ImportBatches::Commit() {
     try {
         gDatabase->CommitTrans();
     } catch (const VbError& error) {
-        MsgBox("Error " + QString::number(error.Number) + ": " + error.Description, vbCritical);
+        // The batch is given up whole; when even that fails, the engine undoes it on closing.
+        try {
+            if (gDatabase->InTransaction()) gDatabase->Rollback();
+        } catch (const VbError&) {
+        }
+        lost_ = kept_;
+        Fail(error.Number, error.Description);
+        return false;
     }
+    titles_ = 0;
+    kept_ = 0;
+    clock_.restart();
+    return true;
+}
+
+void ImportBatches::Fail(int number, const QString& description) {
+    failed_ = true;
+    own_ = false;
+    ShowImportStopped(source_, file_, number, description);
 }
 
 long AudioVendorId(const QString& artist) {

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QString>
 #include <QStringList>
 
 // Small pieces the three importers share.
 
-// The lines of a text file read as the players' Windows wrote it (UTF-8, else Windows-1252;
-// CR LF or LF). False when the file cannot be read.
+// The lines of a text file, each read as UTF-8 when it is valid UTF-8 and as Windows-1252
+// otherwise; CR LF, CR and LF each end a line. False when the file cannot be read.
 bool ReadTextLines(const QString& path, QStringList& lines);
 
 // The vendor of the audio platform with this name, added when there is none; the id of the
@@ -21,16 +22,37 @@ QString TodayText();
 void ShowImportStopped(const QString& source, const QString& file, int number,
                        const QString& description);
 
-// One transaction of the catalogue around an import, for speed: a statement that fails undoes
-// only itself, and every title that went in stays in when the transaction ends. Inside another
-// import's transaction it does nothing.
-class ImportTransaction {
+// The transactions of one import: its titles are committed in batches of at most 500 titles
+// or 250 ms, so that a failure (a disk that is full when a batch is committed) loses only the
+// batch in flight and what was committed before stays. A statement that fails undoes only
+// itself. Inside a transaction of someone else's it does nothing and never fails.
+class ImportBatches {
   public:
-    ImportTransaction();
-    ~ImportTransaction();
-    ImportTransaction(const ImportTransaction&) = delete;
-    ImportTransaction& operator=(const ImportTransaction&) = delete;
+    // source and file name the import in the box of a failed commit.
+    ImportBatches(const QString& source, const QString& file);
+    // Commits what is still open, as Finish does.
+    ~ImportBatches();
+    ImportBatches(const ImportBatches&) = delete;
+    ImportBatches& operator=(const ImportBatches&) = delete;
+
+    // After each title; kept tells that it went in (added or renewed). False once a batch is
+    // lost: its box has been shown, and the import must stop.
+    bool TitleDone(bool kept);
+    // Commits the last batch; false when it is lost.
+    bool Finish();
+    // The titles that went in and were lost with a failed batch.
+    int Lost() const { return lost_; }
 
   private:
+    bool Commit();
+    void Fail(int number, const QString& description);
+
+    QString source_;
+    QString file_;
     bool own_ = false;
+    bool failed_ = false;
+    int titles_ = 0;
+    int kept_ = 0;
+    int lost_ = 0;
+    QElapsedTimer clock_;
 };

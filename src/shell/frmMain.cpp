@@ -9,6 +9,7 @@
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
+#include "shell/progressstatus.h"
 #include "shell/readrecords.h"
 #include "shell/singleinstance.h"
 #include "shell/statuspanel.h"
@@ -75,6 +76,7 @@ void frmMain::BuildWindow() {
     const int countWidth = panels_[1]->fontMetrics().horizontalAdvance(gItemCountText + "00");
     panels_[1]->setFixedWidth(countWidth + 2 * panels_[1]->frameWidth() + 8);
     SetPanelText(3, "Record");
+    new ProgressStatus(this);
 
     // The search node read before any search asks for the search window, after the read.
     connect(this, &frmMain::SearchWindowRequested, this, [] { ShowFindWindow(); });

@@ -68,6 +68,8 @@ CREATE TABLE Tracks (
 );
 
 CREATE INDEX title_by_platform ON title (idplatform, nmcd);
+-- The Deluxe import asks for the newest audio title after each one it adds.
+CREATE INDEX title_newest_by_platform ON title (idplatform, idcd);
 CREATE INDEX title_by_type ON title (idtype);
 CREATE INDEX title_by_vendor ON title (idvendor);
 CREATE INDEX title_by_specific ON title (idspecific);

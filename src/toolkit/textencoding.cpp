@@ -63,6 +63,30 @@ DecodedText DecodeText(const QByteArray& bytes) {
     return {FromWindows1252(bytes), TextEncoding::Windows1252};
 }
 
+QStringList DecodeLines(const QByteArray& bytes) {
+    QStringList lines;
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const auto decode = [&utf8](QByteArrayView line) {
+        QString text = utf8(line);
+        if (utf8.hasError()) {
+            utf8.resetState();
+            return FromWindows1252(line.toByteArray());
+        }
+        return text;
+    };
+    qsizetype start = bytes.startsWith(kBom) ? kBom.size() : 0;
+    const qsizetype size = bytes.size();
+    for (qsizetype at = start; at < size; ++at) {
+        const char byte = bytes[at];
+        if (byte != '\r' && byte != '\n') continue;
+        lines << decode(QByteArrayView(bytes).sliced(start, at - start));
+        if (byte == '\r' && at + 1 < size && bytes[at + 1] == '\n') ++at;
+        start = at + 1;
+    }
+    if (start < size) lines << decode(QByteArrayView(bytes).sliced(start));
+    return lines;
+}
+
 QByteArray EncodeText(const QString& text, TextEncoding encoding) {
     switch (encoding) {
         case TextEncoding::Utf8WithBom:

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 // Text files from the CD players' Windows: UTF-8 when the bytes are valid UTF-8 (with or
 // without a byte-order mark), otherwise Windows-1252.
@@ -21,6 +22,12 @@ struct DecodedText {
 // so that text written into it later stays readable to them.
 DecodedText DecodeText(const QByteArray& bytes);
 QByteArray EncodeText(const QString& text, TextEncoding encoding);
+
+// The lines of a text file made line by line, as a TAB file often is (lines pasted together
+// from several programs): each line that is valid UTF-8 is UTF-8, any other Windows-1252. A
+// line ends at CR LF, at a CR alone or at an LF alone; a byte-order mark at the start is
+// dropped. A last line without its end counts; an empty file has no lines.
+QStringList DecodeLines(const QByteArray& bytes);
 
 QString FromWindows1252(const QByteArray& bytes);
 // Characters the code page lacks become "?", as the platform's conversion gives them.

@@ -218,8 +218,19 @@ class ExportWindowTest : public QObject {
         dialogs.answerFile(folder_->file("page.html"));
         dialogs.answerFile(folder_->path());
         form.show();
+        QStringList progress;
+        const int listener =
+            AddProgressListener([&progress](const QString& operation, qint64 done, qint64 total) {
+                progress << QString("%1 %2/%3").arg(operation).arg(done).arg(total);
+            });
         form.cmdOK_Click();
+        RemoveProgressListener(listener);
         SetDocumentOpener({});
+        // Each title written is a step; each writer ends its steps, the failed one too.
+        QCOMPARE(progress,
+                 QStringList({"Exporting title 1/5", "Exporting title 2/5", "Exporting title 3/5",
+                              "Exporting title 4/5", "Exporting title 5/5", "Exporting title 0/0",
+                              "Exporting title 0/0"}));
         QCOMPARE(
             dialogs.takeBoxes(),
             Boxes(

@@ -11,9 +11,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
-    const QString text = DecodeText(bytes).text;
-    for (QString line : text.split('\n')) {
-        if (line.endsWith('\r')) line.chop(1);
+    for (const QString& line : DecodeLines(bytes)) {
         const QStringList columns = line.split('\t');
         for (const QString& column : columns) {
             try {

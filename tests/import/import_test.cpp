@@ -1,8 +1,12 @@
+#include <sqlite3.h>
+
 #include <QFile>
+#include <QKeyEvent>
 
 #include "import/frmImport.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"
+#include "toolkit/longwork.h"
 
 namespace {
 
@@ -13,6 +17,36 @@ void ChooseDefaults(frmImport& window) {
     window.cmbDefType->setCurrentIndex(window.cmbDefType->findText("Rock"));
     window.cmbDefType_Click();
     window.cmbDefSpecific->setCurrentIndex(0);
+}
+
+// The steps long work reports, as "operation done/total".
+class ProgressLog {
+  public:
+    ProgressLog()
+        : handle_(AddProgressListener([this](const QString& operation, qint64 done, qint64 total) {
+              steps << QString("%1 %2/%3").arg(operation).arg(done).arg(total);
+              busy << ProgramIsBusy();
+          })) {}
+    ~ProgressLog() { RemoveProgressListener(handle_); }
+    ProgressLog(const ProgressLog&) = delete;
+    ProgressLog& operator=(const ProgressLog&) = delete;
+
+    QStringList steps;
+    QList<bool> busy;
+
+  private:
+    int handle_;
+};
+
+QByteArray TabRecord(const QByteArray& vendor, const QByteArray& title,
+                     const QByteArray& numTracks = "0", const QByteArray& names = "") {
+    return "Audio\tRock\tAlbum\t" + vendor + "\t" + title + "\tCD-R\t\t\t\t\t" + numTracks +
+           "\t\t" + names + "\t1";
+}
+
+// Refuses every commit of the catalogue after the first few.
+int RefuseCommit(void* allowed) {
+    return --*static_cast<int*>(allowed) < 0;
 }
 
 }  // namespace
@@ -86,6 +120,65 @@ class ImportTest : public QObject {
         // The half-written title went, and the store took its track rows with it.
         QCOMPARE(RowCount("title where nmcd in ('Short', 'Thirteen', 'NaN', 'Same id')"), 0L);
         QCOMPARE(RowCount("Tracks where idcd not in (select idcd from title)"), 0L);
+        QVERIFY(!gDatabase->InTransaction());
+    }
+
+    void tabLinesEndSpaceAndDecodeOneByOne() {
+        ScriptedDialogs dialogs;
+        ProgressLog progress;
+        const QString path = folder->file("mixed.txt");
+        // A bare CR ends a line; a line of TABs is a record; an empty column 12 names no
+        // track; a UTF-8 line and a Windows-1252 line in one file are both read right.
+        WriteBytes(path, TabRecord("Sigur R\xc3\xb3s", "Takk") + "\r" +
+                             TabRecord("Caf\xe9", "Damaged") + "\r\n" + QByteArray(13, '\t') +
+                             "\r\n   \n" + TabRecord("Nobody", "No names", "1") + "\n");
+        frmImport window;
+        window.Form_Load();
+        dialogs.answerFile(path);
+        window.ImportTabFile();
+        QCOMPARE(window.TabTried, 4);
+        QCOMPARE(RowCount("title where nmcd = 'No names'"), 0L);
+        QCOMPARE(Scalar("select nmvendor from vendor, title where vendor.idvendor = "
+                        "title.idvendor and nmcd = 'Takk'")
+                     .toString(),
+                 QString("Sigur R\u00f3s"));
+        QCOMPARE(Scalar("select nmvendor from vendor, title where vendor.idvendor = "
+                        "title.idvendor and nmcd = 'Damaged'")
+                     .toString(),
+                 QString("Caf\u00e9"));
+        QCOMPARE(progress.steps,
+                 QStringList({"Importing line 1/5", "Importing line 2/5", "Importing line 3/5",
+                              "Importing line 4/5", "Importing line 5/5", "Importing line 0/0"}));
+    }
+
+    void aCommitThatFailsLosesOnlyItsBatch() {
+        ScriptedDialogs dialogs;
+        const QString path = folder->file("many.txt");
+        QByteArray lines;
+        for (int line = 0; line < 1200; ++line)
+            lines += TabRecord("Vendor", "Title " + QByteArray::number(line)) + "\n";
+        WriteBytes(path, lines);
+        const long before = RowCount("title");
+        int allowed = 1;
+        sqlite3_commit_hook(gDatabase->Handle(), RefuseCommit, &allowed);
+        frmImport window;
+        window.Form_Load();
+        dialogs.answerFile(path);
+        window.ImportTabFile();
+        sqlite3_commit_hook(gDatabase->Handle(), nullptr, nullptr);
+
+        // The first batch stayed, the second went, the import stopped and said so, and the
+        // summary after it counts only what stayed.
+        const long kept = RowCount("title") - before;
+        QVERIFY(kept > 0 && kept < 1200);
+        QCOMPARE(long(window.TabTried - window.TabFailed), kept);
+        const Boxes boxes = dialogs.takeBoxes();
+        QCOMPARE(boxes.size(), 2);
+        QVERIFY(boxes[0].prompt.startsWith("The import from " + path + " stopped.\r\nError "));
+        QCOMPARE(boxes[0].title, QString("Importing from TAB delimited file"));
+        QCOMPARE(boxes[1].prompt, "Tried to import " + QString::number(window.TabTried) +
+                                      " title(s) from TAB delimited file\r\nOf those " +
+                                      QString::number(window.TabFailed) + " went wrong.");
         QVERIFY(!gDatabase->InTransaction());
     }
 
@@ -166,6 +259,34 @@ class ImportTest : public QObject {
                              vbCritical, kIniSource}));
     }
 
+    void overwritingKeepsThePreviousDiscsVendor() {
+        ScriptedDialogs dialogs;
+        QVERIFY(QDir().mkpath(prefix->path() + "/drive_c/windows"));
+        const QString ini = prefix->path() + "/drive_c/windows/cdplayer.ini";
+        WriteBytes(ini,
+                   "[A1]\r\nartist=Band\r\ntitle=One\r\nnumtracks=1\r\n"
+                   "[B2]\r\nartist=O'Brien\r\ntitle=Two\r\nnumtracks=1\r\n"
+                   "[C3]\r\nartist=Other\r\ntitle=Three\r\nnumtracks=1\r\n");
+        gDatabase->Execute(
+            "insert into title (nmcd, nrcds, idvendor, idplatform, idtype, idspecific, "
+            "idmediatype, TitleID) values ('Old', 1, 1, 1, 1, 1, 1, 178)");
+        ProgressLog progress;
+        frmImport window;
+        window.Form_Load();
+        ChooseDefaults(window);
+        window.OverwriteTitles = true;
+        window.ImportCdPlayerIni();
+        QCOMPARE(dialogs.takeBoxes(), Boxes());
+        QCOMPARE(Scalar("select nmvendor from vendor, title where vendor.idvendor = "
+                        "title.idvendor and TitleID = 178")
+                     .toString(),
+                 QString("Band"));
+        QCOMPARE(Scalar("select nmcd from title where TitleID = 178").toString(), QString("Two"));
+        QCOMPARE(RowCount("title where TitleID = 195"), 1L);
+        QCOMPARE(progress.steps, QStringList({"Importing title 1/3", "Importing title 2/3",
+                                              "Importing title 3/3", "Importing title 0/0"}));
+    }
+
     void deluxeDatabaseIsFoundAndRead() {
         ScriptedDialogs dialogs;
         QVERIFY(QDir().mkpath(prefix->path() + "/drive_c/Program Files/Plus!"));
@@ -174,6 +295,9 @@ class ImportTest : public QObject {
         WriteBytes(prefix->path() + "/user.reg",
                    "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
                    "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
+        // As a catalogue made before the import's index was in the template.
+        gDatabase->Execute("drop index title_newest_by_platform");
+        ProgressLog progress;
         frmImport window;
         window.Form_Load();
         QVERIFY(window.Check1[1]->isEnabled());
@@ -182,6 +306,22 @@ class ImportTest : public QObject {
         window.ImportDeluxeDatabase();
         QCOMPARE(window.DeluxeTried, 4);
         QCOMPARE(window.DeluxeDuplicates, 0);
+        QCOMPARE(progress.steps,
+                 QStringList({"Importing title 1/4", "Importing title 2/4", "Importing title 3/4",
+                              "Importing title 4/4", "Importing title 0/0"}));
+        // The newest audio title, asked for after each title, is found without reading and
+        // sorting all of them, whatever the size of the catalogue.
+        sqlite3_stmt* plan = nullptr;
+        QCOMPARE(sqlite3_prepare_v2(gDatabase->Handle(),
+                                    "explain query plan select * from title where idplatform = 1 "
+                                    "order by idcd desc",
+                                    -1, &plan, nullptr),
+                 SQLITE_OK);
+        QString steps;
+        while (sqlite3_step(plan) == SQLITE_ROW)
+            steps += reinterpret_cast<const char*>(sqlite3_column_text(plan, 3));
+        sqlite3_finalize(plan);
+        QVERIFY2(!steps.contains("TEMP B-TREE"), qPrintable(steps));
         QCOMPARE(RowCount("title where idplatform = 1 and TitleID in (1001, 1002, -5, 2147483647)"),
                  4L);
         QCOMPARE(RowCount("Tracks, title where Tracks.idcd = title.idcd and TitleID = 1001"), 3L);
@@ -209,6 +349,35 @@ class ImportTest : public QObject {
                              "New titles cannot be added, please verify that the Deluxe-database "
                              "is not missing or corrupted.",
                              vbExclamation, "Velmora"}));
+    }
+
+    void enterAndEscapeActAtKeyUpFromEveryControl() {
+        ScriptedDialogs dialogs;
+        ProgressLog progress;
+        const QString path = folder->file("one.txt");
+        WriteBytes(path, TabRecord("Vendor", "Keyed") + "\r\n");
+        frmImport window;
+        window.Form_Load();
+        window.ShowSummary = false;
+        dialogs.answerFile(path);
+        QTest::keyPress(window.Check2[1], Qt::Key_Return);
+        QVERIFY(dialogs.fileDialogs.isEmpty());
+        QTest::keyRelease(window.Check2[1], Qt::Key_Return);
+        QCOMPARE(dialogs.fileDialogs.size(), 1);
+        QCOMPARE(window.result(), int(QDialog::Accepted));
+        QCOMPARE(RowCount("title where nmcd = 'Keyed'"), 1L);
+        // The program's end waits while the import runs.
+        QVERIFY(!progress.busy.isEmpty() && !progress.busy.contains(false));
+
+        frmImport other;
+        other.Form_Load();
+        other.show();
+        QTest::keyPress(other.cmbDefType, Qt::Key_Escape);
+        QVERIFY(other.isVisible());
+        QTest::keyRelease(other.cmbDefType, Qt::Key_Escape);
+        QVERIFY(!other.isVisible());
+        QCOMPARE(other.result(), int(QDialog::Rejected));
+        QVERIFY(dialogs.fileDialogs.size() == 1);
     }
 
     void theWindowChecksBeforeItImports() {

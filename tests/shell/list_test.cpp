@@ -8,6 +8,7 @@
 #include "shell/mGlobals.h"
 #include "shell/titlelistmodel.h"
 #include "store/dao.h"
+#include "toolkit/longwork.h"
 
 using namespace listtree;
 
@@ -186,6 +187,17 @@ class ListTest : public QObject {
         QCOMPARE(form->PanelText(2), QString("00000 item(s) found"));
         QVERIFY(form->ListModel()->Sorted());
         QCOMPARE(form->MousePointer(), int(vbArrow));
+    }
+
+    void longWorkShowsHowFarItIsAfterASecond() {
+        frmMain* form = gMainForm;
+        ReportProgress("Importing line", 1, 300000);
+        QCOMPARE(form->PanelText(1), QString());
+        QTest::qSleep(1100);
+        ReportProgress("Importing line", 12345, 300000);
+        QCOMPARE(form->PanelText(1), QString("Importing line 12,345 of 300,000"));
+        EndProgress("Importing line");
+        QCOMPARE(form->PanelText(1), QString());
     }
 
     void updateItemCountWritesAndCounts() {
