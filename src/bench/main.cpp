@@ -18,6 +18,7 @@
 #include "bench/discscenarios.h"
 #include "bench/exportscenarios.h"
 #include "bench/importscenarios.h"
+#include "bench/lookupscenarios.h"
 #include "bench/searchscenarios.h"
 #include "bench/syntheticcatalogue.h"
 #include "bench/updatescenarios.h"
@@ -203,6 +204,16 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
          [](Catalogues& c, int runs) {
              Report("Read a 20-track CD-Text image into the editor",
                     TimeReadAudioIntoEditor(c.FolderFor(1000), runs));
+         }},
+        {"lookup-one-match",
+         [](Catalogues& c, int runs) {
+             Report("Look-up to filled editor, one match, loopback server",
+                    TimeLookupIntoEditor(c.FolderFor(1000), runs));
+         }},
+        {"lookup-repaint-gap",
+         [](Catalogues&, int runs) {
+             Report("Longest gap between repaints of the look-up window, dripping server",
+                    TimeLookupRepaintGap(std::min(runs, 3)));
          }},
         {"listing-folder-50000", [](Catalogues&, int runs) { ReportListing(false, runs); }},
         {"listing-iso-50000", [](Catalogues&, int runs) { ReportListing(true, runs); }},

@@ -97,7 +97,9 @@ bool ReadAudioDisc(const QString& source, AudioDisc& disc, QString& problem) {
             return false;
         }
         read.toc.trackStarts << start;
-        anyAudio = anyAudio || cdio_get_track_format(cdio.get(), track) == TRACK_FORMAT_AUDIO;
+        const bool audio = cdio_get_track_format(cdio.get(), track) == TRACK_FORMAT_AUDIO;
+        anyAudio = anyAudio || audio;
+        read.toc.trailingDataTracks = audio ? 0 : read.toc.trailingDataTracks + 1;
     }
     if (!anyAudio) {
         problem = "\"" + source + "\" holds a data disc, not an audio CD.";

@@ -9,6 +9,8 @@
 struct TableOfContents {
     QList<qint32> trackStarts;
     qint32 leadout = 0;
+    // Data tracks behind the audio ones (the second session of an enhanced CD).
+    int trailingDataTracks = 0;
 };
 
 // The number by which the Windows CD players know a disc: the sum over the tracks of each

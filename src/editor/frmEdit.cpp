@@ -130,6 +130,15 @@ void frmEdit::BuildWindow() {
     cmdReadDisc->setMinimumSize(90, 24);
     cmdReadDisc->setEnabled(false);
     connect(cmdReadDisc, &ctlGoldButton::Click, this, &frmEdit::cmdReadDisc_Click);
+    cmdLookup = new ctlGoldButton(this, "cmdLookup");
+    cmdLookup->setObjectName("cmdLookup");
+    cmdLookup->setCaption("Look up");
+    cmdLookup->setToolTip(
+        "Look the disc that was read up in MusicBrainz and gnudb, and fill its title, artist "
+        "and tracks from the match you choose");
+    cmdLookup->setMinimumSize(90, 24);
+    cmdLookup->setEnabled(false);
+    connect(cmdLookup, &ctlGoldButton::Click, this, &frmEdit::cmdLookup_Click);
     connect(cmdOK, &QPushButton::clicked, this, &frmEdit::cmdOK_Click);
     connect(cmdCancel, &QPushButton::clicked, this, &frmEdit::cmdCancel_Click);
 
@@ -244,6 +253,7 @@ void frmEdit::BuildWindow() {
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(cmdTracks);
     buttons->addWidget(cmdReadDisc);
+    buttons->addWidget(cmdLookup);
     buttons->addStretch();
     buttons->addWidget(cmdOK);
     buttons->addWidget(cmdCancel);
@@ -309,6 +319,7 @@ void frmEdit::Combo1_Click(int index) {
                  "idtype");
         Combo1[3]->clear();
         Combo1[3]->setEnabled(false);
+        EnableLookup();
     } else if (index == 2) {
         Combo1[3]->setEnabled(true);
         FillList(3, "select * from specific where idtype = " + id + " order by nmspecific",

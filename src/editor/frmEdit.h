@@ -4,6 +4,8 @@
 #include <QString>
 #include <array>
 
+#include "disc/discidentity.h"
+
 class QComboBox;
 class QFrame;
 class QLabel;
@@ -13,6 +15,7 @@ class QPushButton;
 class Recordset;
 class ctlGoldButton;
 class frmTracksListing;
+struct DiscMatch;
 
 // The modal window through which one title is added or changed. gAddingTitle or
 // gModifyingTitle (and gCurrentTitleId for a change) tell it how it was opened.
@@ -49,6 +52,10 @@ class frmEdit : public QDialog {
     // Fills the form from the disc in the drive or an image: tracks, identity, title and artist
     // on the audio platform; listing, capacity and free space on the others.
     void cmdReadDisc_Click();
+    // Asks MusicBrainz and gnudb for the disc last read and fills title, artist, tracks and a
+    // memo line from the match the user chooses. Enabled on the audio platform once a disc
+    // was read.
+    void cmdLookup_Click();
     void cmdCancel_Click();
     // Validates, writes the title and its tracks or listing, updates the main window's list
     // and closes the window.
@@ -61,6 +68,7 @@ class frmEdit : public QDialog {
     QLabel* lblModified;
     QPushButton* cmdTracks;
     ctlGoldButton* cmdReadDisc;
+    ctlGoldButton* cmdLookup;
     QPushButton* cmdOK;
     QPushButton* cmdCancel;
     QFrame* Frame1;
@@ -106,6 +114,8 @@ class frmEdit : public QDialog {
     void ReadAudioIntoForm();
     void ReadDataIntoForm();
     void SelectOrAddVendor(const QString& name);
+    void TakeMatch(const DiscMatch& match);
+    void EnableLookup();
     // Closes this window and opens the stored title id in its place.
     void OpenCataloguedTitle(long id);
     void WriteDiscFields(Recordset& record);
@@ -123,6 +133,7 @@ class frmEdit : public QDialog {
     // What the last reading of a disc found, written with the title.
     enum class DiscRead { None, Audio, Data } discRead_ = DiscRead::None;
     quint32 discTitleId_ = 0;
+    TableOfContents discToc_;
     double discCapacity_ = 0;
     double discFreespace_ = 0;
     QString discListing_;

@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
+#include <algorithm>
 
 #include "disc/audiodisc.h"
 #include "disc/datadisc.h"
@@ -76,6 +77,16 @@ void frmEdit::ReadAudioIntoForm() {
     if (!disc.performer.isEmpty()) SelectOrAddVendor(disc.performer.left(gLenVendor));
     discRead_ = DiscRead::Audio;
     discTitleId_ = disc.titleId;
+    discToc_ = disc.toc;
+    EnableLookup();
+    // Most discs carry no CD-Text; their names are most likely found online.
+    const bool anyTrackTitle = std::any_of(disc.trackTitles.begin(), disc.trackTitles.end(),
+                                           [](const QString& title) { return !title.isEmpty(); });
+    if (disc.album.isEmpty() && disc.performer.isEmpty() && !anyTrackTitle &&
+        MsgBox("The disc carries no CD-Text: no title, artist or track names.\n\nLook it up "
+               "online in MusicBrainz and gnudb?",
+               vbYesNo + vbQuestion, kReadDiscTitle) == vbYes)
+        cmdLookup_Click();
 }
 
 void frmEdit::ReadDataIntoForm() {
@@ -91,6 +102,7 @@ void frmEdit::ReadDataIntoForm() {
         TracksEdited = true;
     }
     discRead_ = DiscRead::Data;
+    EnableLookup();
     discListing_ = disc.listing;
     discCapacity_ = disc.capacity;
     discFreespace_ = disc.freespace;

@@ -1,15 +1,24 @@
 // Reading a disc into the title editor: an audio CD's tracks, identity, title and artist; a
 // data disc's listing, capacity and free space; a disc already catalogued; and readings that
-// fail without touching the form. And "Find this disc" on the main window: the catalogued disc
+// fail without touching the form; the online look-up offered for a disc without CD-Text. And
+// "Find this disc" on the main window: the catalogued disc
 // selected in tree and list, an unknown disc named, and no drive at all.
 
 #include <QLineEdit>
 #include <QTemporaryDir>
 
+#include <QPlainTextEdit>
+#include <QTcpServer>
+#include <QTreeWidget>
+
 #include "disc/audiodisc.h"
 #include "disc/discimages.h"
+#include "disc/lookupanswers.h"
+#include "disc/lookupserver.h"
+#include "disc/onlinediscids.h"
 #include "editor/discsource.h"
 #include "editor/editortest.h"
+#include "editor/frmLookup.h"
 #include "shell/mGlobalFunctions.h"
 #include "toolkit/ctlGoldButton.h"
 
@@ -30,6 +39,29 @@ QString BlueHoursCue(const QString& folder) {
 
 QString TracksText(frmEdit* form) {
     return form->TracksListing() ? form->TracksListing()->Text() : QString();
+}
+
+const MsgBoxCall kLookupOffer{
+    "The disc carries no CD-Text: no title, artist or track names.\n\nLook it up online in "
+    "MusicBrainz and gnudb?",
+    vbYesNo + vbQuestion, "Read disc"};
+
+// Runs work on the look-up window once it shows what it found.
+void OnLookupChoice(std::function<void(frmLookup*)> work) {
+    auto* poll = new QTimer;
+    QObject::connect(poll, &QTimer::timeout, [poll, work] {
+        auto* window = qobject_cast<frmLookup*>(QApplication::activeModalWidget());
+        if (!window || !window->ChoiceIsShown()) return;
+        poll->deleteLater();
+        poll->stop();
+        work(window);
+    });
+    poll->start(10);
+}
+
+void PointLookupAt(const QString& server) {
+    qputenv("VELMORA_MUSICBRAINZ_SERVER", server.toLatin1());
+    qputenv("VELMORA_GNUDB_SERVER", server.toLatin1());
 }
 
 }  // namespace
@@ -100,6 +132,120 @@ class ReadDiscTest : public QObject {
         QCOMPARE(Scalar("select TrackName from Tracks where idcd = " + id + " and TrackID = 2")
                      .toString(),
                  QString::fromUtf8("Café Night"));
+    }
+
+    void lookUpADiscWithoutCdText() {
+        using namespace lookupanswers;
+        lookupserver::LookupServer server;
+        PointLookupAt(server.url());
+        OnlineDiscIds ids;
+        QString problem;
+        QVERIFY(ComputeOnlineDiscIds(ThreeTracks(), ids, problem));
+        const QByteArray id = ids.musicBrainzId.toLatin1();
+        server.answer("/ws/2/discid/" + id,
+                      lookupserver::Body(Releases({Release(
+                          "9e1d-release", "Blue Hours", "1999-04-12", "GB", Credit("Ann Tanner"),
+                          {Medium(1, id, Tracks({"Morning", "Noon", "Night"}))})})));
+        server.answer("cmd=cddb+query",
+                      lookupserver::Body(Cddb({"200 jazz " + ids.freedbId.toLatin1() +
+                                               " Ann Tanner / Blue Hours (CDDB)"})));
+        server.answer(
+            "cmd=cddb+read",
+            lookupserver::Body(Cddb({"210 jazz " + ids.freedbId.toLatin1(),
+                                     "DTITLE=Ann Tanner / Blue Hours (CDDB)", "TTITLE0=Morn",
+                                     "TTITLE1=It's noon", "TTITLE2=Night", "."})));
+        const QString cue = MakeCue(images->path(), "plain", "", "",
+                                    {{"00:00:00", ""}, {"03:00:00", ""}, {"05:30:00", ""}});
+
+        SelectNode("root");
+        QPointer<frmEdit> form = OpenEditor(true);
+        ChooseTitleKind(form, "Audio", "Jazz", "Album");
+        QVERIFY(!form->cmdLookup->isEnabled());
+        form->Memo->setPlainText("Bought in Leeds");
+        QStringList shown;
+        OnLookupChoice([&shown](frmLookup* window) {
+            for (int row = 0; row < window->lstMatches->topLevelItemCount(); ++row) {
+                QStringList columns;
+                for (int column = 0; column < 8; ++column)
+                    columns << window->lstMatches->topLevelItem(row)->text(column);
+                shown << columns.join(";");
+            }
+            // The disc ID's own match is preselected; the user takes the other.
+            QCOMPARE(window->lstMatches->currentIndex().row(), 0);
+            window->lstMatches->setCurrentItem(window->lstMatches->topLevelItem(1));
+            QCOMPARE(window->txtTracks->toPlainText(), QString("1. Morn\n2. It's noon\n3. Night"));
+            QTest::mouseClick(window->cmdUse, Qt::LeftButton);
+        });
+        dialogs->answerMsgBox(vbYes);
+        dialogs->answerMsgBox(vbYes);
+        Choose(cue);
+        form->cmdReadDisc_Click();
+        QCOMPARE(
+            dialogs->takeBoxes(),
+            Boxes({{"No CD drive was found." + kAudioOffer, vbYesNo + vbExclamation, "Read disc"},
+                   kLookupOffer}));
+        QCOMPARE(shown, QStringList({"Ann Tanner;Blue Hours;1999;GB;CD;1;3;MusicBrainz",
+                                     "Ann Tanner;Blue Hours (CDDB);;;CD;1;3;gnudb"}));
+        QVERIFY(form->cmdLookup->isEnabled());
+        QCOMPARE(form->txtTitle->text(), QString("Blue Hours (CDDB)"));
+        QCOMPARE(form->Combo1[1]->currentText(), QString("Ann Tanner"));
+        QCOMPARE(TracksText(form), QString("Morn\r\nIt's noon\r\nNight"));
+        const QString memo = "Bought in Leeds\ngnudb jazz/" + ids.freedbId;
+        QCOMPARE(form->Memo->toPlainText(), memo);
+
+        form->cmdOK_Click();
+        QVERIFY(!gEditForm);
+        const QString title = QString::number(gCurrentTitleId);
+        QCOMPARE(Scalar("select nmcd from title where idcd = " + title).toString(),
+                 QString("Blue Hours (CDDB)"));
+        QCOMPARE(Scalar("select nmvendor from vendor, title where vendor.idvendor = "
+                        "title.idvendor and idcd = " +
+                        title)
+                     .toString(),
+                 QString("Ann Tanner"));
+        QCOMPARE(Scalar("select TrackName from Tracks where idcd = " + title + " and TrackID = 1")
+                     .toString(),
+                 QString("It's noon"));
+        QCOMPARE(Scalar("select NumTracks from title where idcd = " + title).toInt(), 3);
+        QCOMPARE(Scalar("select memo from title where idcd = " + title).toString(), memo);
+        QCOMPARE(Scalar("select TitleID from title where idcd = " + title).toLongLong(),
+                 qlonglong(0x82400));
+
+        // Known nowhere: the box offers the submission page. No network at all: one box
+        // names both servers, and the form stays as it was.
+        form = OpenEditor(true);
+        ChooseTitleKind(form, "Audio", "Jazz", "Album");
+        form->txtTitle->setText("typed");
+        server.clear();
+        server.answer("cmd=cddb+query", lookupserver::Body(Cddb({"202 No match found"})));
+        const QString other =
+            MakeCue(images->path(), "other", "", "", {{"00:00:00", ""}, {"02:00:00", ""}});
+        SetDiscDriveLocator([other] { return other; });
+        dialogs->answerMsgBox(vbYes);
+        dialogs->answerMsgBox(vbNo);
+        form->cmdReadDisc_Click();
+        QCOMPARE(dialogs->takeBoxes(),
+                 Boxes({kLookupOffer,
+                        {"Neither MusicBrainz nor gnudb knows this disc.\n\nOpen the MusicBrainz "
+                         "page where it can be added?",
+                         vbYesNo + vbQuestion, "Look up"}}));
+        QTcpServer closed;
+        closed.listen(QHostAddress::LocalHost);
+        PointLookupAt("http://127.0.0.1:" + QString::number(closed.serverPort()));
+        closed.close();
+        form->cmdLookup_Click();
+        const Boxes boxes = dialogs->takeBoxes();
+        QCOMPARE(boxes.size(), 1);
+        QVERIFY2(boxes[0].prompt.startsWith("The disc could not be looked up online.\n\n"
+                                            "MusicBrainz (127.0.0.1): ") &&
+                     boxes[0].prompt.contains("\ngnudb (127.0.0.1): "),
+                 qPrintable(boxes[0].prompt));
+        QCOMPARE(form->txtTitle->text(), QString("typed"));
+        QCOMPARE(form->Combo1[1]->currentIndex(), -1);
+        QVERIFY(form->Memo->toPlainText().isEmpty());
+        QCOMPARE(TracksText(form), QString("Track 1\r\nTrack 2"));
+        qunsetenv("VELMORA_MUSICBRAINZ_SERVER");
+        qunsetenv("VELMORA_GNUDB_SERVER");
     }
 
     void cataloguedDiscOffersItsTitle() {

@@ -1,0 +1,206 @@
+#include "bench/lookupscenarios.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QTimer>
+
+#include "bench/benchboxes.h"
+#include "disc/audiodisc.h"
+#include "disc/lookupsettings.h"
+#include "disc/onlinediscids.h"
+#include "editor/frmEdit.h"
+#include "editor/frmLookup.h"
+#include "editor/frmTracksListing.h"
+#include "shell/frmMain.h"
+#include "shell/mGlobals.h"
+#include "toolkit/vberror.h"
+#include "toolkit/vbruntime.h"
+
+namespace {
+
+const int kTracks = 12;
+
+// Answers each request with the body of the first key found in its target, or a CDDB "no
+// match"; with dripMs, a byte at a time.
+class DatabaseServer : public QObject {
+  public:
+    DatabaseServer() {
+        server_.listen(QHostAddress::LocalHost);
+        connect(&server_, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket* socket = server_.nextPendingConnection()) {
+                connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { Serve(socket); });
+                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+            }
+        });
+    }
+    QString Url() const { return "http://127.0.0.1:" + QString::number(server_.serverPort()); }
+
+    QList<std::pair<QByteArray, QByteArray>> bodies;
+    int dripMs = 0;
+
+  private:
+    void Serve(QTcpSocket* socket) {
+        request_[socket] += socket->readAll();
+        if (!request_[socket].contains("\r\n\r\n")) return;
+        const QByteArray target = request_.take(socket).split(' ').value(1);
+        QByteArray body = "202 No match found\r\n";
+        for (const auto& [key, answer] : bodies)
+            if (target.contains(key)) {
+                body = answer;
+                break;
+            }
+        socket->write("HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: " +
+                      QByteArray::number(body.size()) + "\r\n\r\n");
+        if (dripMs <= 0) {
+            socket->write(body);
+            socket->disconnectFromHost();
+            return;
+        }
+        auto* drip = new QTimer(socket);
+        connect(drip, &QTimer::timeout, socket, [socket, body, sent = 0]() mutable {
+            if (sent < body.size()) socket->write(body.mid(sent++, 1));
+        });
+        drip->start(dripMs);
+    }
+
+    QTcpServer server_;
+    QHash<QTcpSocket*, QByteArray> request_;
+};
+
+QString MakePlainCue(const QString& folder) {
+    QByteArray cue = "FILE \"plain.bin\" BINARY\n";
+    for (int track = 0; track < kTracks; ++track)
+        cue += QString("  TRACK %1 AUDIO\n    INDEX 01 %2:00:00\n")
+                   .arg(track + 1, 2, 10, QChar('0'))
+                   .arg(track * 4, 2, 10, QChar('0'))
+                   .toUtf8();
+    QFile file(folder + "/plain.cue");
+    file.open(QIODevice::WriteOnly);
+    file.write(cue);
+    QFile bin(folder + "/plain.bin");
+    bin.open(QIODevice::WriteOnly);
+    bin.resize(qint64(kTracks * 4 * 60 * 75) * 2352);
+    return file.fileName();
+}
+
+QByteArray OneRelease(const QString& discId) {
+    QByteArray tracks;
+    for (int track = 1; track <= kTracks; ++track)
+        tracks += (track > 1 ? "," : "") +
+                  QString("{\"position\":%1,\"title\":\"Song %1\"}").arg(track).toUtf8();
+    return "{\"releases\":[{\"id\":\"bench-release\",\"title\":\"Bench Album\",\"date\":\"2001\","
+           "\"country\":\"GB\",\"artist-credit\":[{\"name\":\"Bench Artist\",\"joinphrase\":\"\"}],"
+           "\"media\":[{\"position\":1,\"format\":\"CD\",\"discs\":[{\"id\":\"" +
+           discId.toLatin1() + "\"}],\"tracks\":[" + tracks + "]}]}]}";
+}
+
+// Counts the paints of a widget and keeps the longest gap between two.
+class PaintGaps : public QObject {
+  public:
+    double longest = 0;
+    // The time since the last paint counts too: a window that stopped painting has a gap.
+    double Longest() const {
+        return clock_.isValid() ? std::max(longest, clock_.nsecsElapsed() / 1e6) : -1;
+    }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint) {
+            if (clock_.isValid()) longest = std::max(longest, clock_.nsecsElapsed() / 1e6);
+            clock_.start();
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+  private:
+    QElapsedTimer clock_;
+};
+
+}  // namespace
+
+std::vector<double> TimeLookupIntoEditor(const QString& folder, int runs) {
+    QTemporaryDir images;
+    const QString cue = MakePlainCue(images.path());
+    AudioDisc disc;
+    QString problem;
+    OnlineDiscIds ids;
+    if (!ReadAudioDisc(cue, disc, problem) || !ComputeOnlineDiscIds(disc.toc, ids, problem))
+        throw VbError(0, "the cue sheet could not be read: " + problem);
+    DatabaseServer server;
+    server.bodies = {{"/ws/2/discid/", OneRelease(ids.musicBrainzId)}};
+    qputenv("VELMORA_MUSICBRAINZ_SERVER", server.Url().toLatin1());
+    qputenv("VELMORA_GNUDB_SERVER", server.Url().toLatin1());
+    SetDiscDriveLocator([cue] { return cue; });
+    // The offer of a look-up after reading is declined: the click on Look up is timed.
+    BoxRecorder boxes(vbNo);
+    App.Path = folder;
+    gMainForm = new frmMain();
+    gMainForm->Form_Load();
+    std::vector<double> times;
+    for (int run = 0; run < runs; ++run) {
+        gAddingTitle = true;
+        gModifyingTitle = false;
+        gEditForm = new frmEdit(gMainForm);
+        gEditForm->Form_Load();
+        gEditForm->Combo1[0]->setCurrentIndex(gEditForm->Combo1[0]->findData(1));
+        gEditForm->cmdReadDisc_Click();
+        // MusicBrainz allows one request a second; the wait is not the program's work.
+        QThread::msleep(1100);
+        QTimer confirm;
+        QObject::connect(&confirm, &QTimer::timeout, [&confirm] {
+            auto* window = qobject_cast<frmLookup*>(QApplication::activeModalWidget());
+            if (!window) return;
+            confirm.stop();
+            auto use = [window] { window->cmdUse->click(); };
+            if (window->ChoiceIsShown())
+                use();
+            else
+                QObject::connect(window, &frmLookup::ChoiceShown, window, use);
+        });
+        confirm.start(0);
+        QElapsedTimer clock;
+        clock.start();
+        gEditForm->cmdLookup_Click();
+        times.push_back(clock.nsecsElapsed() / 1e6);
+        if (!gEditForm->TracksListing() ||
+            !gEditForm->TracksListing()->Text().startsWith("Song 1\r\nSong 2"))
+            throw VbError(0, "the editor was not filled: " + boxes.prompts.join(" "));
+        gEditForm->Unload();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    gMainForm->SetMousePointer(vbArrow);
+    gMainForm->Unload();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    SetDiscDriveLocator({});
+    qunsetenv("VELMORA_MUSICBRAINZ_SERVER");
+    qunsetenv("VELMORA_GNUDB_SERVER");
+    return times;
+}
+
+std::vector<double> TimeLookupRepaintGap(int runs) {
+    DatabaseServer server;
+    // Long enough to drip for more than the two seconds watched.
+    server.bodies = {{"/ws/2/discid/", "{\"releases\":[]}" + QByteArray(100, ' ')}};
+    server.dripMs = 50;
+    OnlineDiscIds ids;
+    QString problem;
+    if (!ComputeOnlineDiscIds({{0, 13500, 24750}, 25500}, ids, problem)) throw VbError(0, problem);
+    std::vector<double> gaps;
+    for (int run = 0; run < runs; ++run) {
+        QThread::msleep(1100);
+        frmLookup window(ids, {server.Url(), server.Url(), "bench"});
+        PaintGaps paints;
+        window.barWaiting->installEventFilter(&paints);
+        QTimer::singleShot(2000, window.cmdCancel, &QPushButton::click);
+        window.Run();
+        gaps.push_back(paints.Longest());
+    }
+    return gaps;
+}

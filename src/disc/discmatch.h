@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+// One disc an online database offers for a table of contents: a medium of a MusicBrainz
+// release, or a gnudb entry.
+struct DiscMatch {
+    QString source;
+    // The release's MBID, or the gnudb entry's "genre/discid".
+    QString identifier;
+    // The artist credit as printed.
+    QString artist;
+    QString title;
+    QString year;
+    QString country;
+    QString format;
+    int discNumber = 1;
+    int discCount = 1;
+    // The names of the medium's tracks in their order.
+    QStringList tracks;
+    // The medium carries the disc's own ID, not only a similar table.
+    bool discIdMatched = false;
+};
+
+// The memo line that records where a title's names came from.
+QString MatchMemoLine(const DiscMatch& match);

@@ -1,0 +1,105 @@
+#include "disc/onlinedatabase.h"
+
+#include <QDateTime>
+#include <QNetworkProxyFactory>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QUrl>
+#include <algorithm>
+
+#include "disc/lookupsettings.h"
+
+namespace {
+
+// "120" or an HTTP date; -1 for anything else.
+int RetryAfterSeconds(const QByteArray& header) {
+    bool number = false;
+    const int seconds = header.trimmed().toInt(&number);
+    if (number) return std::max(seconds, 0);
+    const QDateTime when =
+        QDateTime::fromString(QString::fromLatin1(header.trimmed()), Qt::RFC2822Date);
+    if (!when.isValid()) return -1;
+    return static_cast<int>(std::max<qint64>(QDateTime::currentDateTimeUtc().secsTo(when), 0));
+}
+
+}  // namespace
+
+OnlineDatabase::OnlineDatabase(const QString& name, const QString& server, QObject* parent)
+    : QObject(parent), name_(name), server_(server) {
+    QNetworkProxyFactory::setUseSystemConfiguration(true);
+    manager_.setRedirectPolicy(QNetworkRequest::NoLessSafeRedirectPolicy);
+    delay_.setSingleShot(true);
+    deadline_.setSingleShot(true);
+    connect(&delay_, &QTimer::timeout, this, &OnlineDatabase::Send);
+    connect(&deadline_, &QTimer::timeout, this, [this] {
+        Done("no complete answer came within " + QString::number(RequestTimeoutMs / 1000) +
+             " seconds.");
+    });
+}
+
+OnlineDatabase::~OnlineDatabase() {
+    Cancel();
+}
+
+void OnlineDatabase::Cancel() {
+    delay_.stop();
+    deadline_.stop();
+    then_ = nullptr;
+    if (QNetworkReply* reply = reply_) {
+        reply_ = nullptr;
+        reply->disconnect(this);
+        reply->abort();
+        reply->deleteLater();
+    }
+}
+
+void OnlineDatabase::Get(const QString& pathAndQuery, int delayMs, AnswerHandler then) {
+    pending_ = pathAndQuery;
+    then_ = std::move(then);
+    delay_.start(std::max(delayMs, 0));
+}
+
+void OnlineDatabase::Send() {
+    QNetworkRequest request(QUrl(server_ + pending_));
+    request.setHeader(QNetworkRequest::UserAgentHeader, LookupUserAgent());
+    request.setRawHeader("Accept", "application/json, text/plain");
+    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute,
+                         QNetworkRequest::AlwaysNetwork);
+    Sending();
+    reply_ = manager_.get(request);
+    deadline_.start(RequestTimeoutMs);
+    connect(reply_, &QNetworkReply::downloadProgress, this, [this](qint64 received, qint64 total) {
+        if (received > kMaxAnswerBytes || total > kMaxAnswerBytes)
+            Done("the answer is larger than " + QString::number(kMaxAnswerBytes >> 20) + " MB.");
+    });
+    connect(reply_, &QNetworkReply::finished, this, [this] { Done(QString()); });
+}
+
+void OnlineDatabase::Done(const QString& failure) {
+    QNetworkReply* reply = reply_;
+    if (!reply) return;
+    Answer answer;
+    const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    if (failure.isEmpty() && status.isValid()) {
+        answer.status = status.toInt();
+        answer.body = reply->readAll();
+        answer.retryAfter = RetryAfterSeconds(reply->rawHeader("Retry-After"));
+    } else {
+        answer.failure = failure.isEmpty() ? reply->errorString() + "." : failure;
+    }
+    AnswerHandler then = std::move(then_);
+    Cancel();
+    if (then) then(answer);
+}
+
+void OnlineDatabase::Succeed(const QList<DiscMatch>& matches) {
+    emit Finished(matches, QString());
+}
+
+void OnlineDatabase::Fail(const QString& reason) {
+    emit Finished({}, name_ + " (" + QUrl(server_).host() + "): " + reason);
+}
+
+QString OnlineDatabase::UnexpectedStatus(const Answer& answer) {
+    return "the server answered with HTTP status " + QString::number(answer.status) + ".";
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QDialog>
+#include <QList>
+#include <QStringList>
+
+#include "disc/discmatch.h"
+#include "disc/onlinediscids.h"
+
+class GnudbLookup;
+class MusicBrainzLookup;
+class QLabel;
+class QPlainTextEdit;
+class QProgressBar;
+class QPushButton;
+class QTreeWidget;
+struct LookupSettings;
+
+// The small modal window of the online look-up: it asks MusicBrainz, then gnudb, showing
+// what it waits for, and then offers what they found to choose from. The program keeps
+// running while it waits; Cancel ends the look-up at once.
+class frmLookup : public QDialog {
+    Q_OBJECT
+
+  public:
+    enum class Outcome { Chosen, NoMatch, Failed, Cancelled };
+
+    frmLookup(const OnlineDiscIds& ids, const LookupSettings& settings, QWidget* parent = nullptr);
+    ~frmLookup() override;
+
+    // Runs the look-up modally.
+    Outcome Run();
+    // After Chosen: the match the user took.
+    DiscMatch Chosen() const { return chosen_; }
+    // After Failed: each database that could not be asked and why, one a line.
+    QStringList Problems() const { return problems_; }
+    // True once the matches are on show.
+    bool ChoiceIsShown() const { return choiceShown_; }
+
+    QLabel* lblStatus;
+    QProgressBar* barWaiting;
+    QTreeWidget* lstMatches;
+    QPlainTextEdit* txtTracks;
+    QPushButton* cmdUse;
+    QPushButton* cmdCancel;
+
+  signals:
+    void ChoiceShown();
+
+  private:
+    void AskGnudb();
+    void ShowChoice();
+    void ShowTracks();
+    void Use();
+
+    OnlineDiscIds ids_;
+    MusicBrainzLookup* musicBrainz_;
+    GnudbLookup* gnudb_;
+    QList<DiscMatch> matches_;
+    QStringList problems_;
+    DiscMatch chosen_;
+    Outcome outcome_ = Outcome::Cancelled;
+    bool choiceShown_ = false;
+};

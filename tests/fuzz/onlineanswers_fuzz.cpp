@@ -1,0 +1,19 @@
+// Reads any byte string as the online databases' answers: a MusicBrainz JSON answer, a CDDB
+// query answer and an xmcd entry.
+#include <cstddef>
+#include <cstdint>
+
+#include "disc/cddbanswer.h"
+#include "disc/musicbrainzanswer.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const QByteArray answer(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    QList<DiscMatch> matches;
+    QString problem;
+    ReadMusicBrainzAnswer(answer, "xUp1F2NkfP8s8jaeFn_Av3jNEI4-", 3, matches, problem);
+    QList<CddbEntryName> entries;
+    ReadCddbQueryAnswer(answer, entries, problem);
+    DiscMatch match;
+    ReadCddbEntry(answer, {"rock", "370fce16", "A / B"}, match, problem);
+    return 0;
+}
