@@ -5,6 +5,7 @@
 #include <QLocale>
 #include <cmath>
 
+#include "toolkit/longwork.h"
 #include "toolkit/vberror.h"
 
 AppObject App;
@@ -26,6 +27,9 @@ int VbMouseButton(Qt::MouseButton button) {
 }
 
 void DoEvents() {
+    // The caller goes on with its work after the yield: a close that comes in meanwhile waits
+    // until the program is back in its own event loop.
+    const BusyScope yielding;
     QCoreApplication::processEvents();
 }
 

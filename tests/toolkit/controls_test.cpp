@@ -513,7 +513,9 @@ class ControlsTest : public QObject {
         // The menu is drawn by the program: the selection bar lies under the selected item.
         const QImage drawn = menu->grab().toImage();
         const QRect selected = menu->actionGeometry(form->mnuSearchCD1);
-        const QColor bar = drawn.pixelColor(selected.right() - 3, selected.center().y());
+        const qreal ratio = drawn.devicePixelRatio();
+        const QColor bar = drawn.pixelColor(int((selected.right() - 3) * ratio),
+                                            int(selected.center().y() * ratio));
         QVERIFY(bar == menu->palette().color(QPalette::Active, QPalette::Highlight) ||
                 bar == menu->palette().color(QPalette::Inactive, QPalette::Highlight));
         // An accelerator picks its item.
