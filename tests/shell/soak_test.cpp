@@ -75,6 +75,15 @@ void ActOn(QWidget* target, QRandomGenerator& random) {
     }
 }
 
+void ChooseFile(const QString& path) {
+    SetFileChooser([path](const FileDialogCall&) {
+        FileDialogAnswer answer;
+        answer.filename = path;
+        answer.filenames = {path};
+        return answer;
+    });
+}
+
 // A TAB import or an export of everything to a TAB or HTML file, as the windows' OK runs it.
 void RunLongWork(QRandomGenerator& random, const QString& folder) {
     if (random.bounded(2) == 0) {
@@ -86,12 +95,7 @@ void RunLongWork(QRandomGenerator& random, const QString& folder) {
         GuardedDialog<frmImport> window(gMainForm);
         window->Form_Load();
         for (int i = 0; i < 3; ++i) window->Check1[i]->setChecked(i == 2);
-        SetFileChooser([folder](const FileDialogCall&) {
-            FileDialogAnswer answer;
-            answer.filename = folder + "/soak.txt";
-            answer.filenames = {answer.filename};
-            return answer;
-        });
+        ChooseFile(folder + "/soak.txt");
         window->cmdOK_Click();
     } else {
         GuardedDialog<frmExport> form(gMainForm);
@@ -100,12 +104,7 @@ void RunLongWork(QRandomGenerator& random, const QString& folder) {
         for (int i = 0; i < 5; ++i) form->Check1[i]->setChecked(i == destination);
         form->Option1[2]->setChecked(true);
         form->OpenHtmlAfterExport = false;
-        SetFileChooser([folder](const FileDialogCall&) {
-            FileDialogAnswer answer;
-            answer.filename = folder + "/soak.out";
-            answer.filenames = {answer.filename};
-            return answer;
-        });
+        ChooseFile(folder + "/soak.out");
         form->cmdOK_Click();
     }
     SetFileChooser({});
