@@ -54,6 +54,14 @@ double PeakMegabytes() {
 
 }  // namespace
 
+void OpenNewAudioTitle() {
+    gAddingTitle = true;
+    gModifyingTitle = false;
+    gEditForm = new frmEdit(gMainForm);
+    gEditForm->Form_Load();
+    gEditForm->Combo1[0]->setCurrentIndex(gEditForm->Combo1[0]->findData(1));
+}
+
 std::vector<double> TimeReadAudioIntoEditor(const QString& folder, int runs) {
     QTemporaryDir images;
     const QString cue = MakeTwentyTrackCue(images.path());
@@ -65,11 +73,7 @@ std::vector<double> TimeReadAudioIntoEditor(const QString& folder, int runs) {
     gMainForm->Form_Load();
     std::vector<double> times;
     for (int run = 0; run < runs; ++run) {
-        gAddingTitle = true;
-        gModifyingTitle = false;
-        gEditForm = new frmEdit(gMainForm);
-        gEditForm->Form_Load();
-        gEditForm->Combo1[0]->setCurrentIndex(gEditForm->Combo1[0]->findData(1));
+        OpenNewAudioTitle();
         QElapsedTimer clock;
         clock.start();
         gEditForm->cmdReadDisc_Click();

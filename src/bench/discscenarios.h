@@ -5,6 +5,8 @@
 #include <QString>
 #include <vector>
 
+// A new title on the audio platform in a fresh title editor over the running main window.
+void OpenNewAudioTitle();
 // A 20-track cue sheet with CD-Text read into a new title on the audio platform, through the
 // editor's Read disc button (drive lookup, reading, duplicate check, tracks, title, artist).
 // folder is a program folder with a catalogue.

@@ -14,6 +14,7 @@
 #include <QTimer>
 
 #include "bench/benchboxes.h"
+#include "bench/discscenarios.h"
 #include "disc/audiodisc.h"
 #include "disc/lookupsettings.h"
 #include "disc/onlinediscids.h"
@@ -145,11 +146,7 @@ std::vector<double> TimeLookupIntoEditor(const QString& folder, int runs) {
     gMainForm->Form_Load();
     std::vector<double> times;
     for (int run = 0; run < runs; ++run) {
-        gAddingTitle = true;
-        gModifyingTitle = false;
-        gEditForm = new frmEdit(gMainForm);
-        gEditForm->Form_Load();
-        gEditForm->Combo1[0]->setCurrentIndex(gEditForm->Combo1[0]->findData(1));
+        OpenNewAudioTitle();
         gEditForm->cmdReadDisc_Click();
         // MusicBrainz allows one request a second; the wait is not the program's work.
         QThread::msleep(1100);
