@@ -227,7 +227,8 @@ bool frmDownload::AcceptResponse(bool& bResume, const QString& sSaveAs) {
 void frmDownload::ReceiveBody(const QString& sSaveAs, bool bResume) {
     fileTrapInstalled_ = true;
     const QString folder = SplitPath(sSaveAs, false, true);
-    if (!folder.isEmpty() && !QFileInfo(folder).isDir()) QDir().mkdir(folder);
+    // Without Wine the prefix has no Windows folder for TEMP to go in: the whole path is made.
+    if (!folder.isEmpty() && !QFileInfo(folder).isDir()) QDir().mkpath(folder);
     iFile.setFileName(sSaveAs);
     // Unbuffered, so that a write the disk refuses fails at its own chunk, not at the close.
     if (!iFile.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
