@@ -4,7 +4,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "store/jetwriter.h"
+#include "jet/jet.h"
 #include "toolkit/vberror.h"
 
 namespace {

@@ -38,7 +38,7 @@ double ElapsedMilliseconds(const QElapsedTimer& timer) {
 // asked; every run must list something.
 std::vector<double> TimeSearch(const QString& folder, int box, const QString& criterion, int runs) {
     StartProgram(folder);
-    ShowFindWindow();
+    ShowFindWindow(gMainForm);
     gFindForm->Option1[2]->setChecked(true);
     gFindForm->Text1[box]->setText(criterion);
     std::vector<double> times;

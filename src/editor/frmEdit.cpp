@@ -14,9 +14,9 @@
 
 #include "editor/frmTracksListing.h"
 #include "lookups/lookupoperations.h"
-#include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
+#include "shell/mainwindow.h"
 #include "toolkit/ctlGoldButton.h"
 #include "toolkit/keyupguard.h"
 #include "toolkit/vbruntime.h"
@@ -459,13 +459,13 @@ void frmEdit::Unload() {
     if (gEditForm == this) gEditForm = nullptr;
     deleteLater();
     // A main window on its way out (the program was told to end) has no list to refresh.
-    if (!gMainForm) return;
+    if (!TheMainWindow()) return;
     RefreshIfDirty();
     SelectTitleInList(gCurrentTitleId);
 }
 
-void ShowEditForm() {
-    gEditForm = new frmEdit(gMainForm);
+void ShowEditForm(QWidget* owner) {
+    gEditForm = new frmEdit(owner);
     gEditForm->Form_Load();
     gEditForm->exec();
 }

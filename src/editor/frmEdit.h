@@ -143,6 +143,6 @@ class frmEdit : public QDialog {
 // The open title editor, or null.
 extern frmEdit* gEditForm;
 
-// Opens the title editor modally over the main window, on the road that gAddingTitle and
-// gModifyingTitle name.
-void ShowEditForm();
+// Opens the title editor modally over owner (the main window), on the road that gAddingTitle
+// and gModifyingTitle name.
+void ShowEditForm(QWidget* owner);

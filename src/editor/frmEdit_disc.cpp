@@ -3,6 +3,7 @@
 
 #include <QComboBox>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QTimer>
 #include <algorithm>
@@ -120,13 +121,14 @@ void frmEdit::SelectOrAddVendor(const QString& name) {
 }
 
 void frmEdit::OpenCataloguedTitle(long id) {
+    const QPointer<QWidget> owner = parentWidget();
     Unload();
-    QTimer::singleShot(0, [id] {
+    QTimer::singleShot(0, [id, owner] {
         gAddingTitle = false;
         gModifyingTitle = true;
         gCurrentTitleId = id;
         SelectTitleInList(id);
-        ShowEditForm();
+        ShowEditForm(owner);
     });
 }
 

@@ -6,11 +6,10 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTreeWidgetItem>
 
 #include "editor/frmEdit.h"
-#include "shell/frmMain.h"
 #include "shell/mGlobals.h"
+#include "shell/mainwindow.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
 #include "toolkit/vbruntime.h"
@@ -86,19 +85,16 @@ void frmEdit::LoadAddRoad() {
     setWindowTitle("Add Title");
     cmdOK->setText("&Add");
 
-    QTreeWidgetItem* node = gMainForm ? gMainForm->SelectedNode() : nullptr;
-    if (!node) return;
-    const QString key = gMainForm->NodeKey(node);
-    if (key == "root") return;
+    const MainWindow* main = TheMainWindow();
+    const QString key = main ? main->SelectedNodeKey() : QString();
+    if (key.isEmpty() || key == "root") return;
 
     long platformId = 0;
     long typeId = 0;
-    QTreeWidgetItem* parent = node->parent();
-    QTreeWidgetItem* grandparent = parent ? parent->parent() : nullptr;
-    if (parent && gMainForm->NodeKey(parent) == "root") {
+    const QString parentKey = main->ParentNodeKey(key);
+    if (parentKey == "root") {
         platformId = Val(key.mid(3));
-    } else if (grandparent && gMainForm->NodeKey(grandparent) == "root") {
-        const QString parentKey = gMainForm->NodeKey(parent);
+    } else if (!parentKey.isEmpty() && main->ParentNodeKey(parentKey) == "root") {
         platformId = Val(parentKey.mid(3));
         typeId = Val(key.mid(parentKey.size() + 3));
     }

@@ -8,12 +8,11 @@
 #include <QLocale>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTreeWidgetItem>
 
 #include "editor/frmEdit.h"
 #include "editor/frmTracksListing.h"
-#include "shell/frmMain.h"
 #include "shell/mGlobals.h"
+#include "shell/mainwindow.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
 #include "toolkit/msgbox.h"
@@ -178,7 +177,8 @@ void frmEdit::WriteListing(const QString& text) {
 }
 
 void frmEdit::UpdateMainList() {
-    if (!gMainForm) throw VbError(kObjectNotSet, kObjectNotSetText);
+    MainWindow* main = TheMainWindow();
+    if (!main) throw VbError(kObjectNotSet, kObjectNotSetText);
     const QString key = "id" + QString::number(gCurrentTitleId);
     const QStringList subItems{Combo1[1]->currentText(), Combo1[2]->currentText(),
                                Combo1[3]->currentText(), Combo1[6]->currentText(),
@@ -186,20 +186,18 @@ void frmEdit::UpdateMainList() {
 
     if (gAddingTitle) {
         const long platform = ItemData(0);
-        gMainForm->AddListItem(key, txtTitle->text(), platform < 6 ? int(platform) : 6, subItems,
-                               QString::number(gCurrentTitleId));
+        main->AddListItem(key, txtTitle->text(), platform < 6 ? int(platform) : 6, subItems,
+                          QString::number(gCurrentTitleId));
         return;
     }
 
-    QTreeWidgetItem* node = gMainForm->SelectedNode();
-    if (!node) throw VbError(kObjectNotSet, kObjectNotSetText);
-    const QString nodeKey = gMainForm->NodeKey(node);
-    QTreeWidgetItem* parent = node->parent();
-    const QString parentKey = parent ? gMainForm->NodeKey(parent) : QString();
+    const QString nodeKey = main->SelectedNodeKey();
+    if (nodeKey.isEmpty()) throw VbError(kObjectNotSet, kObjectNotSetText);
+    const QString parentKey = main->ParentNodeKey(nodeKey);
     bool goes = false;
     if (nodeKey == "root")
         goes = false;
-    else if (parent && parentKey != "root")
+    else if (!parentKey.isEmpty() && parentKey != "root")
         goes = Val(nodeKey.mid(parentKey.size() + 3)) != ItemData(2);
     else if (nodeKey == "search")
         goes = false;
@@ -207,12 +205,12 @@ void frmEdit::UpdateMainList() {
         goes = Val(nodeKey.mid(3)) != ItemData(0);
 
     if (goes) {
-        const int selected = gMainForm->SelectedListIndex();
+        const int selected = main->SelectedListIndex();
         if (selected < 0) throw VbError(kObjectNotSet, kObjectNotSetText);
-        gMainForm->RemoveListItem(selected);
+        main->RemoveListItem(selected);
         return;
     }
-    const int row = gMainForm->ListIndexOfKey(key);
+    const int row = main->ListIndexOfKey(key);
     if (row < 0) throw VbError(kElementNotFound, "Element not found");
-    gMainForm->SetListItem(row, txtTitle->text(), subItems);
+    main->SetListItem(row, txtTitle->text(), subItems);
 }

@@ -10,7 +10,6 @@
 #include <QTabBar>
 #include <QVBoxLayout>
 
-#include "shell/frmMain.h"
 #include "shell/mGlobals.h"
 #include "store/dao.h"
 #include "toolkit/GCommonDialog.h"
@@ -282,8 +281,8 @@ QString frmExport::AskSaveFileName(const QString& title, const QString& defaultE
     return dialog.Filename;
 }
 
-void ShowExportForm() {
-    GuardedDialog<frmExport> form(gMainForm);
+void ShowExportForm(QWidget* owner) {
+    GuardedDialog<frmExport> form(owner);
     form->Form_Load();
     form.exec();
 }

@@ -11,7 +11,6 @@ class QPushButton;
 class QRadioButton;
 class QStackedLayout;
 class QTabBar;
-class QTreeWidgetItem;
 class Recordset;
 
 // The modal window that takes a chosen set of titles out of the catalogue to up to five
@@ -79,8 +78,8 @@ class frmExport : public QDialog {
     // Opens the titles of the selected tree node by the chosen Option1; false when the click
     // ends here (the user declined the question).
     bool OpenExportTitles(int option);
-    void OpenCurrentFolder(const QString& key, QTreeWidgetItem* node);
-    bool OpenCurrentPlatform(const QString& key, QTreeWidgetItem* node);
+    void OpenCurrentFolder(const QString& key);
+    bool OpenCurrentPlatform(const QString& key);
     bool NoFieldChosen() const;
     bool ExportIsEmpty() const;
     // Runs one destination: the "No titles to export." box when there is nothing, else the
@@ -98,4 +97,4 @@ class frmExport : public QDialog {
 };
 
 // The export command: opens the export window modally over the main window.
-void ShowExportForm();
+void ShowExportForm(QWidget* owner);

@@ -2,31 +2,24 @@
 // own view statements.
 
 #include <QRadioButton>
-#include <QTreeWidgetItem>
 
 #include "export/frmExport.h"
 #include "lookups/viewqueries.h"
-#include "shell/frmMain.h"
 #include "shell/mGlobals.h"
+#include "shell/mainwindow.h"
 #include "store/dao.h"
 #include "toolkit/msgbox.h"
 
 namespace {
 
-QString KeyOf(const QTreeWidgetItem* node) {
-    return node && gMainForm ? gMainForm->NodeKey(node) : QString();
+QString ParentKey(const QString& key) {
+    const MainWindow* main = TheMainWindow();
+    return main ? main->ParentNodeKey(key) : QString();
 }
 
-QString ParentKey(const QTreeWidgetItem* node) {
-    return node ? KeyOf(node->parent()) : QString();
-}
-
-QString GrandparentKey(const QTreeWidgetItem* node) {
-    return node && node->parent() ? KeyOf(node->parent()->parent()) : QString();
-}
-
-bool IsTypeFolder(const QTreeWidgetItem* node) {
-    return ParentKey(node) != "root" && GrandparentKey(node) == "root";
+bool IsTypeFolder(const QString& key) {
+    const QString parentKey = ParentKey(key);
+    return parentKey != "root" && ParentKey(parentKey) == "root";
 }
 
 // The number behind a key's first three characters: a platform's id.
@@ -47,8 +40,9 @@ QString InClause(int platform) {
 
 bool frmExport::OpenExportTitles(int option) {
     // Without a main window (or a selection in it) the whole catalogue is the current folder.
-    QTreeWidgetItem* node = gMainForm ? gMainForm->SelectedNode() : nullptr;
-    const QString key = node ? KeyOf(node) : QString("root");
+    const MainWindow* main = TheMainWindow();
+    const QString selected = main ? main->SelectedNodeKey() : QString();
+    const QString key = selected.isEmpty() ? QString("root") : selected;
     switch (option) {
         case 2:
             GetViewSQL("all", true, ExportRecordset, 0, 0, QString());
@@ -57,21 +51,21 @@ bool frmExport::OpenExportTitles(int option) {
             GetViewSQL("search", true, ExportRecordset, 0, 0, QString());
             return true;
         case 1:
-            return OpenCurrentPlatform(key, node);
+            return OpenCurrentPlatform(key);
         default:
-            OpenCurrentFolder(key, node);
+            OpenCurrentFolder(key);
             return true;
     }
 }
 
-void frmExport::OpenCurrentFolder(const QString& key, QTreeWidgetItem* node) {
+void frmExport::OpenCurrentFolder(const QString& key) {
     if (key == "root") {
         GetViewSQL("platform", true, ExportRecordset, 0, 32767, QString());
-    } else if (IsTypeFolder(node)) {
-        const QString parentKey = ParentKey(node);
+    } else if (IsTypeFolder(key)) {
+        const QString parentKey = ParentKey(key);
         GetViewSQL("platformtype", true, ExportRecordset, TypeId(key, parentKey), 0,
                    InClause(PlatformId(parentKey)));
-    } else if (ParentKey(node) == "root") {
+    } else if (ParentKey(key) == "root") {
         if (key != "search")
             GetViewSQL("platform", true, ExportRecordset, 0, 32767, InClause(PlatformId(key)));
         else if (!gSearchSQL.isEmpty())
@@ -79,16 +73,16 @@ void frmExport::OpenCurrentFolder(const QString& key, QTreeWidgetItem* node) {
     }
 }
 
-bool frmExport::OpenCurrentPlatform(const QString& key, QTreeWidgetItem* node) {
+bool frmExport::OpenCurrentPlatform(const QString& key) {
     if (key == "root") {
         if (MsgBox("You selected to export one category, but you have more than one in your "
                    "view.\rDo you want to export all categories instead?",
                    vbYesNoCancel | vbExclamation, "Confirm") != vbYes)
             return false;
         GetViewSQL("platform", true, ExportRecordset, 0, 32767, QString());
-    } else if (IsTypeFolder(node)) {
-        GetViewSQL("platform", true, ExportRecordset, 0, 0, InClause(PlatformId(ParentKey(node))));
-    } else if (ParentKey(node) == "root") {
+    } else if (IsTypeFolder(key)) {
+        GetViewSQL("platform", true, ExportRecordset, 0, 0, InClause(PlatformId(ParentKey(key))));
+    } else if (ParentKey(key) == "root") {
         if (key == "search")
             GetViewSQL("search", true, ExportRecordset, 0, 0, QString());
         else

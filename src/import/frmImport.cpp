@@ -6,9 +6,9 @@
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
-#include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
+#include "shell/mainwindow.h"
 #include "store/catalogue.h"
 #include "toolkit/guardeddialog.h"
 #include "toolkit/keyupguard.h"
@@ -269,7 +269,7 @@ void frmImport::cmdOK_Click() {
     }
     const qint64 added =
         qint64(IniTried) + DeluxeTried - IniDuplicates - DeluxeDuplicates + TabTried - TabFailed;
-    if (added > 0 && gMainForm) {
+    if (added > 0 && TheMainWindow()) {
         gTreeDirty = true;
         gListDirty = true;
         RefreshIfDirty();
@@ -281,8 +281,8 @@ void frmImport::cmdCancel_Click() {
     reject();
 }
 
-void ShowImportWindow() {
-    GuardedDialog<frmImport> window(gMainForm);
+void ShowImportWindow(QWidget* owner) {
+    GuardedDialog<frmImport> window(owner);
     window->Form_Load();
     window.exec();
 }

@@ -79,4 +79,4 @@ class frmImport : public QDialog {
 };
 
 // The import command: shows the import window modally over the main window.
-void ShowImportWindow();
+void ShowImportWindow(QWidget* owner);

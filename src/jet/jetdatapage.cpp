@@ -1,9 +1,9 @@
-#include "store/jetdatapage.h"
+#include "jet/jetdatapage.h"
 
 #include <vector>
 
-#include "store/jetpages.h"
-#include "store/jetusagemap.h"
+#include "jet/jetpages.h"
+#include "jet/jetusagemap.h"
 
 namespace jet {
 

@@ -1,9 +1,9 @@
-#include "store/jetindex.h"
+#include "jet/jetindex.h"
 
 #include <cstring>
 
-#include "store/jetusagemap.h"
-#include "store/jetwriteerror.h"
+#include "jet/jetusagemap.h"
+#include "jet/jetwriteerror.h"
 
 namespace jet {
 

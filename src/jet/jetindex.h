@@ -8,8 +8,8 @@
 #include <QVariant>
 #include <vector>
 
-#include "store/jetpages.h"
-#include "store/jettable.h"
+#include "jet/jetpages.h"
+#include "jet/jettable.h"
 
 namespace jet {
 

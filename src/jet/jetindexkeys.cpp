@@ -1,5 +1,5 @@
-#include "store/jetindex.h"
-#include "store/jetwriteerror.h"
+#include "jet/jetindex.h"
+#include "jet/jetwriteerror.h"
 
 #include <map>
 

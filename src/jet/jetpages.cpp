@@ -1,4 +1,4 @@
-#include "store/jetpages.h"
+#include "jet/jetpages.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "store/jetwriteerror.h"
+#include "jet/jetwriteerror.h"
 
 namespace jet {
 

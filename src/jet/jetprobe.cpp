@@ -1,4 +1,4 @@
-#include "store/jetprobe.h"
+#include "jet/jet.h"
 
 #include <mdbtools.h>
 #include <signal.h>
@@ -9,7 +9,7 @@
 #include <chrono>
 #include <thread>
 
-#include "store/mdbrows.h"
+#include "jet/mdbrows.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
-#include "store/jettable.h"
+#include "jet/jettable.h"
 
 #include <QDateTime>
 #include <QtEndian>
 #include <cmath>
 #include <cstring>
 
-#include "store/jetwriteerror.h"
+#include "jet/jetwriteerror.h"
 
 namespace jet {
 

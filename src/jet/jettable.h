@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "store/jetpages.h"
+#include "jet/jetpages.h"
 
 namespace jet {
 

@@ -1,6 +1,6 @@
-#include "store/jetusagemap.h"
+#include "jet/jetusagemap.h"
 
-#include "store/jetwriteerror.h"
+#include "jet/jetwriteerror.h"
 
 namespace jet {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "store/jetpages.h"
+#include "jet/jetpages.h"
 
 namespace jet {
 

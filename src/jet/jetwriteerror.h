@@ -1,8 +1,11 @@
 #pragma once
 
-// The refusals of the program's Jet writer, as the program's error object with Jet's numbers.
+// The refusals of the Jet file code, with Jet's error numbers; the store turns them into the
+// program's error object.
 
-#include "toolkit/vberror.h"
+#include <QByteArray>
+#include <QString>
+#include <exception>
 
 namespace jet {
 
@@ -19,9 +22,17 @@ enum WriteErrorNumber {
     kErrorDataConversion = 3421,
 };
 
-class WriteError : public VbError {
+class WriteError : public std::exception {
   public:
-    WriteError(int number, const QString& description) : VbError(number, description) {}
+    WriteError(int number, const QString& description)
+        : Number(number), Description(description), what_(description.toUtf8()) {}
+    const char* what() const noexcept override { return what_.constData(); }
+
+    int Number;
+    QString Description;
+
+  private:
+    QByteArray what_;
 };
 
 }  // namespace jet

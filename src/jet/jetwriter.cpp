@@ -1,14 +1,14 @@
-#include "store/jetwriter.h"
+#include "jet/jetwriter.h"
 
 #include <mdbtools.h>
 
 #include <algorithm>
 
-#include "store/jetdatapage.h"
-#include "store/jetindex.h"
-#include "store/jetprobe.h"
-#include "store/jetusagemap.h"
-#include "store/jetwriteerror.h"
+#include "jet/jet.h"
+#include "jet/jetdatapage.h"
+#include "jet/jetindex.h"
+#include "jet/jetusagemap.h"
+#include "jet/jetwriteerror.h"
 
 namespace jet {
 

@@ -13,8 +13,8 @@
 #include <memory>
 #include <vector>
 
-#include "store/jetpages.h"
-#include "store/jettable.h"
+#include "jet/jetpages.h"
+#include "jet/jettable.h"
 
 namespace jet {
 

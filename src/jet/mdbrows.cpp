@@ -1,4 +1,4 @@
-#include "store/mdbrows.h"
+#include "jet/mdbrows.h"
 
 void ForEachMdbRow(MdbTableDef* table, const std::function<void(const MdbRowBuffers&)>& row) {
     MdbRowBuffers buffers;

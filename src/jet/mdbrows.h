@@ -3,10 +3,11 @@
 // Walking the rows of a table through libmdb, for the copy the program works on and for the
 // check that reads a file in a child process first.
 
-#include <mdbtools.h>
-
 #include <functional>
 #include <vector>
+
+// glib, which mdbtools.h includes inside its extern "C", needs the C++ headers seen first.
+#include <mdbtools.h>
 
 // The bytes libmdb gave each column of the current row, and their lengths.
 struct MdbRowBuffers {

@@ -12,8 +12,8 @@
 #include <QVBoxLayout>
 
 #include "lookups/lookupoperations.h"
-#include "shell/frmMain.h"
 #include "shell/mGlobals.h"
+#include "shell/mainwindow.h"
 #include "store/catalogue.h"
 #include "store/frmPerformAction.h"
 #include "toolkit/imagelists.h"
@@ -378,16 +378,15 @@ void frmDatabase::Form_Load() {
 
 // Statements of Form_Load: a selection that fails does not keep the next one from running.
 void frmDatabase::SelectFromTreeNode() {
-    if (!gMainForm) return;
-    QTreeWidgetItem* node = gMainForm->Node(gSelectedIndex);
-    if (!node) return;
-    const QString key = gMainForm->NodeKey(node);
-    QTreeWidgetItem* parent = node->parent();
-    if (key == "search" || gSelectedIndex == 1 || !parent) {
+    const MainWindow* main = TheMainWindow();
+    if (!main) return;
+    const QString key = main->NodeKeyAt(gSelectedIndex);
+    if (key.isEmpty()) return;
+    const QString parentKey = main->ParentNodeKey(key);
+    if (key == "search" || gSelectedIndex == 1 || parentKey.isEmpty()) {
         if (RowCount(cmbPlatform) > 0) ResumeNext([this] { SelectRow(Platform, 0); });
         return;
     }
-    const QString parentKey = gMainForm->NodeKey(parent);
     if (parentKey == "root") {
         const int row = FindRow(cmbPlatform, Val(key.mid(3)));
         if (row >= 0) ResumeNext([&] { SelectRow(Platform, row); });
@@ -561,8 +560,8 @@ void frmDatabase::Unload() {
     deleteLater();
 }
 
-void ShowDatabaseForm() {
-    gDatabaseForm = new frmDatabase(gMainForm);
+void ShowDatabaseForm(QWidget* owner) {
+    gDatabaseForm = new frmDatabase(owner);
     gDatabaseForm->Form_Load();
     gDatabaseForm->exec();
 }

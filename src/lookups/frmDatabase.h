@@ -93,4 +93,4 @@ class frmDatabase : public QDialog {
 extern frmDatabase* gDatabaseForm;
 
 // Opens the maintenance window modally over the main window.
-void ShowDatabaseForm();
+void ShowDatabaseForm(QWidget* owner);

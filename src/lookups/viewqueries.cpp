@@ -1,7 +1,5 @@
 #include "lookups/viewqueries.h"
 
-#include "shell/frmMain.h"
-#include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
 
@@ -96,14 +94,4 @@ QString GetViewSQL(const QString& kind, bool open, std::unique_ptr<Recordset>& r
         }
     }
     return sql;
-}
-
-void ForceSelectNode(int index) {
-    QTreeWidgetItem* node = gMainForm->Node(index);
-    if (!node) return;
-    gMainForm->SelectNode(node);
-    gSelectedIndex = index;
-    gSelectedKey = gMainForm->NodeKey(node);
-    gRequestedKey = "forcechange";
-    ReadRecords(-1);
 }

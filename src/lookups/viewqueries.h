@@ -10,7 +10,5 @@ class Recordset;
 // Stores the statement of kind in gViewSQL and opens it into gRecordset; errors are ignored.
 void OpenView(const QString& kind, int first, int second, const QString& clause);
 // Returns the statement of kind; with open, also opens it read-only into recordset.
-QString GetViewSQL(const QString& kind, bool open, std::unique_ptr<Recordset>& recordset,
-                   int first, int second, const QString& clause);
-// Selects node index and reads the list, even when that node was read last.
-void ForceSelectNode(int index);
+QString GetViewSQL(const QString& kind, bool open, std::unique_ptr<Recordset>& recordset, int first,
+                   int second, const QString& clause);

@@ -9,8 +9,9 @@
 #include <QVBoxLayout>
 
 #include "lookups/viewqueries.h"
-#include "shell/frmMain.h"
+#include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
+#include "shell/mainwindow.h"
 #include "store/dao.h"
 #include "toolkit/keyupguard.h"
 #include "toolkit/msgbox.h"
@@ -44,8 +45,14 @@ const std::array<TextBoxDesign, 8> kTextBoxes{{
 const char* const kTrackNameTag = "TrackName";
 const char* const kTagProperty = "Tag";
 
-QString KeyOf(const QTreeWidgetItem* node) {
-    return node ? gMainForm->NodeKey(node) : QString();
+QString SelectedKey() {
+    const MainWindow* main = TheMainWindow();
+    return main ? main->SelectedNodeKey() : QString();
+}
+
+QString ParentKey(const QString& key) {
+    const MainWindow* main = TheMainWindow();
+    return main && !key.isEmpty() ? main->ParentNodeKey(key) : QString();
 }
 
 // Enter and Escape, the two keys the window's boxes answer.
@@ -178,7 +185,7 @@ void frmFind::Form_Activate() {
     DoEvents();
     Text1[0]->setFocus();
 
-    const bool searchNodeSelected = KeyOf(gMainForm->SelectedNode()) == "search";
+    const bool searchNodeSelected = SelectedKey() == "search";
     if (searchNodeSelected) Option1[2]->setChecked(true);
     Option1[0]->setEnabled(!searchNodeSelected);
     Option1[1]->setEnabled(!searchNodeSelected);
@@ -188,11 +195,9 @@ void frmFind::cmdSearch_Click() {
     gViewSQL = kBaseStatement;
     bool searchNodeChosen = false;
 
-    const QTreeWidgetItem* node = gMainForm->SelectedNode();
-    const QString key = KeyOf(node);
-    const QTreeWidgetItem* parent = node ? node->parent() : nullptr;
-    const QString parentKey = KeyOf(parent);
-    const QString grandparentKey = KeyOf(parent ? parent->parent() : nullptr);
+    const QString key = SelectedKey();
+    const QString parentKey = ParentKey(key);
+    const QString grandparentKey = ParentKey(parentKey);
 
     if (Option1[0]->isChecked()) {
         if (key == "root") {
@@ -213,7 +218,7 @@ void frmFind::cmdSearch_Click() {
             if (answer != vbYes) return;
         } else if (key == "search") {
             searchNodeChosen = true;
-        } else if (node) {
+        } else if (!key.isEmpty()) {
             gViewSQL = kPlatformStatement + (parentKey == "root" ? key : parentKey).mid(3);
         }
     }
@@ -243,7 +248,7 @@ void frmFind::cmdSearch_Click() {
     AddRange(2, 3);
 
     gSearchSQL = gViewSQL;
-    ForceSelectNode(gMainForm->NodeCount());
+    ForceSelectNode(TheMainWindow()->NodeCount());
 }
 
 void frmFind::AddRange(int first, int second) {
@@ -315,8 +320,8 @@ void frmFind::closeEvent(QCloseEvent* event) {
     event->accept();
 }
 
-void ShowFindWindow() {
-    if (!gFindForm) gFindForm = new frmFind(gMainForm);
+void ShowFindWindow(QWidget* owner) {
+    if (!gFindForm) gFindForm = new frmFind(owner);
     gFindForm->show();
     gFindForm->raise();
     gFindForm->activateWindow();

@@ -57,4 +57,4 @@ class frmFind : public QWidget {
 extern frmFind* gFindForm;
 
 // The search command: loads the search window over the main window, or raises it.
-void ShowFindWindow();
+void ShowFindWindow(QWidget* owner);

@@ -73,6 +73,16 @@ void FillTree(int selectIndex, const QString& selectKey) {
     if (form->NodeCount() > 1 && gSelectedIndex == 1) form->EnsureNodeVisible(form->Node(2));
 }
 
+void ForceSelectNode(int index) {
+    QTreeWidgetItem* node = gMainForm->Node(index);
+    if (!node) return;
+    gMainForm->SelectNode(node);
+    gSelectedIndex = index;
+    gSelectedKey = gMainForm->NodeKey(node);
+    gRequestedKey = "forcechange";
+    ReadRecords(-1);
+}
+
 void RefreshIfDirty() {
     if (gTreeDirty) FillTree(gSelectedIndex, "");
     if (gListDirty) {

@@ -18,12 +18,6 @@ const QString kFindDiscTitle = "Find this disc";
 
 }  // namespace
 
-QTreeWidgetItem* frmMain::NodeOfKey(const QString& key) const {
-    for (int index = 1; index <= NodeCount(); ++index)
-        if (NodeKey(Node(index)) == key) return Node(index);
-    return nullptr;
-}
-
 void frmMain::FindThisDisc() {
     if (MousePointer() != vbArrow) return;
     AudioDisc disc;

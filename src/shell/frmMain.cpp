@@ -5,7 +5,6 @@
 #include <QHeaderView>
 #include <QScreen>
 
-#include "search/frmFind.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
@@ -17,13 +16,16 @@
 #include "store/fieldsizes.h"
 #include "store/guardedfile.h"
 #include "store/jettextcolumns.h"
-#include "store/widentextcolumn.h"
 #include "toolkit/cVSplitter.h"
 #include "toolkit/imagelists.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
 
 frmMain* gMainForm = nullptr;
+
+MainWindow* TheMainWindow() {
+    return gMainForm;
+}
 
 namespace {
 // The list's and the tree's pale cream background.
@@ -38,6 +40,13 @@ frmMain::frmMain()
       Frame1(new QFrame(this)),
       StatusBar1(new QStatusBar(this)) {
     BuildWindow();
+    // A catalogue that could not be opened again after its compaction leaves the program
+    // nothing to show: it closes through its normal exit.
+    SetCatalogueLostHandler([] {
+        if (!gMainForm) return;
+        gMainForm->SetMousePointer(vbArrow);
+        gMainForm->Unload();
+    });
 }
 
 frmMain::~frmMain() {
@@ -79,7 +88,7 @@ void frmMain::BuildWindow() {
     new ProgressStatus(this);
 
     // The search node read before any search asks for the search window, after the read.
-    connect(this, &frmMain::SearchWindowRequested, this, [] { ShowFindWindow(); });
+    connect(this, &frmMain::SearchWindowRequested, this, &frmMain::ShowSearch);
 
     BuildContextMenus();
     InstallCommandEvents();

@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 
+#include "shell/mainwindow.h"
 #include "toolkit/longwork.h"
 
 class HelpCallBack;
@@ -23,7 +24,7 @@ class VbError;
 
 // The main window: the folder tree on the left, the title list on the right, the button bar
 // on top and the status bar below. It lives for the whole run and owns the open catalogue.
-class frmMain : public QMainWindow {
+class frmMain : public QMainWindow, public MainWindow {
     Q_OBJECT
   public:
     frmMain();
@@ -62,11 +63,14 @@ class frmMain : public QMainWindow {
     // The tree's nodes. Indexes are 1-based and follow the order of insertion (1 is the root,
     // the search node comes last); keys follow "root", "key<idplatform>",
     // "key<idplatform>key<idtype>", "search".
-    int NodeCount() const;
+    int NodeCount() const override;
     QTreeWidgetItem* Node(int index) const;
     int NodeIndex(const QTreeWidgetItem* node) const;
     QString NodeKey(const QTreeWidgetItem* node) const;
     QTreeWidgetItem* SelectedNode() const;
+    QString SelectedNodeKey() const override;
+    QString ParentNodeKey(const QString& key) const override;
+    QString NodeKeyAt(int index) const override;
     // The node under a right click while its menu is up, else null.
     QTreeWidgetItem* DropHighlight() const;
     void SetDropHighlight(QTreeWidgetItem* node);
@@ -91,17 +95,17 @@ class frmMain : public QMainWindow {
     // Mediatype).
     int ListItemCount() const;
     // The selected item's row, or -1 when no item is selected.
-    int SelectedListIndex() const;
+    int SelectedListIndex() const override;
     void SelectListIndex(int row);
-    int ListIndexOfKey(const QString& key) const;
+    int ListIndexOfKey(const QString& key) const override;
     QString ListItemKey(int row) const;
     QString ListItemText(int row) const;
     QString ListItemTag(int row) const;
     QStringList ListItemSubItems(int row) const;
     void AddListItem(const QString& key, const QString& text, int smallIcon,
-                     const QStringList& subItems, const QString& tag);
-    void SetListItem(int row, const QString& text, const QStringList& subItems);
-    void RemoveListItem(int row);
+                     const QStringList& subItems, const QString& tag) override;
+    void SetListItem(int row, const QString& text, const QStringList& subItems) override;
+    void RemoveListItem(int row) override;
     void ClearListItems();
     TitleListModel* ListModel() const { return listModel_; }
     // The six columns, the first one 40 percent of the list's width.
@@ -218,6 +222,12 @@ class frmMain : public QMainWindow {
     // The report of a catalogue that cannot be opened or brought up to date; ends the program.
     void ReportUnableToLoad(const VbError& error);
     void SetSplashStatus(const QString& text);
+    // Rebuilds a text column of title at a greater width, keeping every row's value (Null
+    // too). The engine cannot widen a column that holds data, so the values pass through a
+    // temporary column "temp" + name, and the rebuilt column ends up last in the table. Nothing
+    // is trapped: a failure between the statements leaves the temporary column behind and
+    // reaches the caller.
+    void WidenTextColumn(const QString& name, int size);
     void HideSplash();
     void UnloadSplash();
     bool Form_QueryUnload();

@@ -93,3 +93,14 @@ void frmMain::ReportUnableToLoad(const VbError& error) {
     UnloadSplash();
     Unload();
 }
+
+void frmMain::WidenTextColumn(const QString& name, int size) {
+    SetSplashStatus("Updating Database to new structure");
+    const QString width = QString::number(size);
+    gDatabase->Execute("ALTER TABLE title ADD COLUMN temp" + name + " TEXT (" + width + ")");
+    gDatabase->Execute("UPDATE title SET temp" + name + " = " + name);
+    gDatabase->Execute("ALTER TABLE title DROP COLUMN " + name);
+    gDatabase->Execute("ALTER TABLE title ADD COLUMN " + name + " TEXT (" + width + ")");
+    gDatabase->Execute("UPDATE title SET " + name + " = temp" + name);
+    gDatabase->Execute("ALTER TABLE title DROP COLUMN temp" + name);
+}

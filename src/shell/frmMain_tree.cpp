@@ -88,6 +88,25 @@ QTreeWidgetItem* frmMain::SelectedNode() const {
     return TV1->currentItem();
 }
 
+QTreeWidgetItem* frmMain::NodeOfKey(const QString& key) const {
+    for (int index = 1; index <= NodeCount(); ++index)
+        if (NodeKey(Node(index)) == key) return Node(index);
+    return nullptr;
+}
+
+QString frmMain::SelectedNodeKey() const {
+    return NodeKey(SelectedNode());
+}
+
+QString frmMain::ParentNodeKey(const QString& key) const {
+    const QTreeWidgetItem* node = NodeOfKey(key);
+    return node ? NodeKey(node->parent()) : QString();
+}
+
+QString frmMain::NodeKeyAt(int index) const {
+    return NodeKey(Node(index));
+}
+
 QTreeWidgetItem* frmMain::DropHighlight() const {
     return dropHighlight_;
 }

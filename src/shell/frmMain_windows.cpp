@@ -17,11 +17,11 @@
 #include "update/frmDownload.h"
 
 void frmMain::ShowEditor() {
-    ShowEditForm();
+    ShowEditForm(this);
 }
 
 void frmMain::ShowSearch() {
-    ShowFindWindow();
+    ShowFindWindow(this);
 }
 
 void frmMain::ShowHelp() {
@@ -35,15 +35,15 @@ void frmMain::ShowHelp() {
 }
 
 void frmMain::ShowDatabaseWindow() {
-    ShowDatabaseForm();
+    ShowDatabaseForm(this);
 }
 
 void frmMain::ShowImportWindow() {
-    ::ShowImportWindow();
+    ::ShowImportWindow(this);
 }
 
 void frmMain::ShowExportWindow() {
-    ShowExportForm();
+    ShowExportForm(this);
 }
 
 bool frmMain::RunUpdate(QString& updateProgram) {

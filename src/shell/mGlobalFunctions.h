@@ -12,6 +12,8 @@ void FillTree(int selectIndex, const QString& selectKey);
 // Fills the list from the view of the selected node; selectId is the idcd to select
 // afterwards, or -1.
 void ReadRecords(long selectId);
+// Selects node index and reads the list, even when that node was read last.
+void ForceSelectNode(int index);
 // Applies gTreeDirty and gListDirty after a child window closed.
 void RefreshIfDirty();
 // Sets the count panel from gItemCountText: mode "" writes count, "plus" adds one to the

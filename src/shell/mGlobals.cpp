@@ -9,7 +9,6 @@ int gSelectedIndex = 0;
 QString gSelectedKey;
 QString gRequestedKey;
 
-QString gViewSQL;
 QString gSearchSQL;
 
 long gCurrentTitleId = 0;

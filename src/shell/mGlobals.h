@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include "store/catalogue.h"
+
 extern bool gSecondInstance;
 extern bool gTreeDirty;
 extern bool gListDirty;
@@ -14,8 +16,7 @@ extern int gSelectedIndex;
 extern QString gSelectedKey;
 extern QString gRequestedKey;
 
-// The statements of the current view and of the last search.
-extern QString gViewSQL;
+// The statement of the last search (the current view's, gViewSQL, is the catalogue's).
 extern QString gSearchSQL;
 
 // The idcd of the selected title.

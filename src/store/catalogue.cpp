@@ -10,6 +10,7 @@ std::unique_ptr<Database> gDatabase;
 std::unique_ptr<Recordset> gRecordset;
 QString gDatabasePath;
 QString gDatabasePassword;
+QString gViewSQL;
 
 void OpenCatalogue() {
     gDatabase = DBEngine::OpenDatabase(gDatabasePath, true, false, ";pwd=" + gDatabasePassword);

@@ -9,14 +9,14 @@
 #include <QMetaObject>
 #include <filesystem>
 
-#include "shell/frmMain.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
 #include "toolkit/vbstrings.h"
 
 namespace {
+
+std::function<void()> gCatalogueLost;
 
 const QString kCompactErrorTitle = "Error compacting database";
 
@@ -60,9 +60,7 @@ void EndProgramWithoutCatalogue() {
     QMetaObject::invokeMethod(
         qApp,
         [] {
-            if (!gMainForm) return;
-            gMainForm->SetMousePointer(vbArrow);
-            gMainForm->Unload();
+            if (gCatalogueLost) gCatalogueLost();
         },
         Qt::QueuedConnection);
 }
@@ -94,6 +92,10 @@ void ReopenCatalogue(const QString& filter, const QString& sort) {
 }
 
 }  // namespace
+
+void SetCatalogueLostHandler(std::function<void()> handler) {
+    gCatalogueLost = std::move(handler);
+}
 
 QString CompactInto(const QString& source, const QString& target, const QString& password) {
     try {

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "jet/jet.h"
 #include "store/dao_detail.h"
 #include "store/jetlike.h"
 #include "store/jettext.h"

@@ -42,12 +42,3 @@ class JetWriter {
 // (the opening then fails with it) or return null to leave the rows read-only.
 using JetWriterFactory = std::function<std::unique_ptr<JetWriter>(const QString& path)>;
 void SetJetWriterFactory(JetWriterFactory factory);
-
-namespace jetfile {
-
-// True when the file starts as a Jet 3 or Jet 4 database does.
-bool HasJetSignature(const QString& path);
-// 3 or 4 for a Jet file of that version, 0 for anything else.
-int JetVersion(const QString& path);
-
-}  // namespace jetfile

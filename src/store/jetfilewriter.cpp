@@ -1,7 +1,7 @@
 #include "store/jetfilewriter.h"
 
-#include "store/jetwriteerror.h"
-#include "store/jetwriter.h"
+#include "jet/jet.h"
+#include "toolkit/vberror.h"
 
 namespace {
 
@@ -10,6 +10,16 @@ class FileJetWriter : public JetWriter {
     explicit FileJetWriter(const QString& path) : writer_(path) {}
 
     void Apply(const JetRowChange& change) override {
+        // The store undoes a change in its copy on the program's own error object.
+        try {
+            Write(change);
+        } catch (const jet::WriteError& error) {
+            throw VbError(error.Number, error.Description);
+        }
+    }
+
+  private:
+    void Write(const JetRowChange& change) {
         switch (change.kind) {
             case JetRowChange::Added:
                 writer_.AppendRow(change.table, Values(change, change.after));
@@ -27,7 +37,6 @@ class FileJetWriter : public JetWriter {
         }
     }
 
-  private:
     std::vector<QVariant> Values(const JetRowChange& change, const QVariantList& values) {
         QVariantHash named;
         for (qsizetype i = 0; i < change.columns.size() && i < values.size(); ++i)
@@ -42,7 +51,11 @@ class FileJetWriter : public JetWriter {
 
 ScopedJetFileWriter::ScopedJetFileWriter() {
     SetJetWriterFactory([](const QString& path) -> std::unique_ptr<JetWriter> {
-        return std::make_unique<FileJetWriter>(path);
+        try {
+            return std::make_unique<FileJetWriter>(path);
+        } catch (const jet::WriteError& error) {
+            throw VbError(error.Number, error.Description);
+        }
     });
 }
 

@@ -10,9 +10,9 @@
 
 #include "editor/frmEdit.h"
 #include "editor/frmTracksListing.h"
-#include "lookups/viewqueries.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
+#include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"

@@ -139,7 +139,7 @@ class frmEditTest : public QObject {
             opened = modal->windowTitle();
             QTest::keyClick(modal->txtTitle, Qt::Key_Escape);
         });
-        ShowEditForm();
+        ShowEditForm(gMainForm);
         QCOMPARE(opened, QString("Add Title"));
         QVERIFY(!gEditForm);
     }

@@ -19,7 +19,7 @@
 #include "export/exporttest.h"
 #include "export/frmExport.h"
 #include "import/frmImport.h"
-#include "store/jetcheck.h"
+#include "jet/jetcheck.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/mUtilityIni.h"
 #include "toolkit/vbruntime.h"

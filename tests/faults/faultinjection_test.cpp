@@ -25,7 +25,7 @@
 #include "store/guardedfile.h"
 #include "store/jetlike.h"
 #include "store/jettext.h"
-#include "store/jetwriter.h"
+#include "jet/jet.h"
 #include "support/testsupport.h"
 #include "toolkit/guardeddialog.h"
 #include "toolkit/longwork.h"

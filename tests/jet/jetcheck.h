@@ -8,8 +8,8 @@
 #include <QTemporaryDir>
 #include <set>
 
-#include "store/jetindex.h"
-#include "store/jetwriter.h"
+#include "jet/jetindex.h"
+#include "jet/jetwriter.h"
 #include "support/testsupport.h"
 
 // A fixture copied into a temporary folder, so that tests change their own copy.

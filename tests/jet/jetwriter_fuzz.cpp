@@ -7,8 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "store/jetwriter.h"
-#include "toolkit/vberror.h"
+#include "jet/jet.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static QTemporaryDir folder;
@@ -29,7 +28,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             changed["TitleID"] = 2;
             writer.ChangeRow(table, row, writer.ValuesByName(table, changed));
         }
-    } catch (const VbError&) {
+    } catch (const jet::WriteError&) {
     }
     return 0;
 }

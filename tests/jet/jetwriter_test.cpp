@@ -10,10 +10,10 @@
 #include <QtTest>
 #include <set>
 
+#include "jet/jet.h"
 #include "jetcheck.h"
 #include "store/dao.h"
-#include "store/jetwriteerror.h"
-#include "storetest.h"
+#include "store/storetest.h"
 
 namespace {
 
@@ -324,7 +324,7 @@ class JetWriterTest : public QObject {
                                          {id, "Cut artist", QStringLiteral("Title %1").arg(i), 1});
                         writer.AppendRow("Tracks", {id, 0, "Only"});
                     }
-                } catch (const VbError& error) {
+                } catch (const jet::WriteError& error) {
                     _exit(error.Number == jet::kErrorDiskFull ? 0 : 1);
                 }
                 _exit(2);

@@ -54,7 +54,7 @@ QStringList ListedTitles() {
 }
 
 frmFind* OpenFindWindow() {
-    ShowFindWindow();
+    ShowFindWindow(gMainForm);
     frmFind* form = gFindForm;
     if (form) (void)QTest::qWaitForWindowActive(form);
     // The activation handler runs once the activation has been told to every window.
@@ -284,7 +284,7 @@ class FindTest : public QObject {
         QVERIFY(guard.isNull());
         QVERIFY(!gFindForm);
         QVERIFY(!gSearchSQL.isEmpty());
-        ShowFindWindow();
+        ShowFindWindow(gMainForm);
         QVERIFY(gFindForm);
         QCOMPARE(gFindForm->Text1[0]->text(), QString());
     }

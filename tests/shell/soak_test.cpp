@@ -46,7 +46,7 @@ QWidget* ChooseWindow(QRandomGenerator& random) {
             }
             return gEditForm;
         case 1:
-            if (!gFindForm) ShowFindWindow();
+            if (!gFindForm) ShowFindWindow(gMainForm);
             return gFindForm;
         default:
             return gMainForm;

@@ -8,7 +8,7 @@
 #include "store/dao.h"
 #include "store/fieldsizes.h"
 #include "store/jetdatabase.h"
-#include "store/jetwriter.h"
+#include "jet/jet.h"
 #include "store/passwordcheck.h"
 #include "store/storetest.h"
 #include "support/testsupport.h"

@@ -11,6 +11,7 @@
 #include <functional>
 #include <utility>
 
+#include "jet/jet.h"
 #include "toolkit/GCommonDialog.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/resources.h"
@@ -94,6 +95,8 @@ int ErrorNumber(Work&& work) {
         work();
     } catch (const VbError& error) {
         return error.Number;
+    } catch (const jet::WriteError& error) {
+        return error.Number;
     }
     return 0;
 }
@@ -104,6 +107,8 @@ QString Refusal(Work&& work) {
     try {
         work();
     } catch (const VbError& error) {
+        return QString::number(error.Number) + " " + error.Description;
+    } catch (const jet::WriteError& error) {
         return QString::number(error.Number) + " " + error.Description;
     }
     return {};
