@@ -93,7 +93,6 @@ class ListTest : public QObject {
         QCOMPARE(form->ListItemSubItems(1),
                  QStringList({"Arcadia", "Cabinet", "Upright", "2", "DVD-ROM"}));
         QCOMPARE(form->ListModel()->Row(1).smallIcon, 6);
-        QCOMPARE(form->ListIndexOfKey("id" + QString::number(arcade)), 1);
         // The first item is selected after a read, and the columns fit their texts.
         QCOMPARE(form->SelectedListIndex(), 0);
         QHeaderView* header = form->ListView1->header();

@@ -9,7 +9,6 @@
 #include "store/fieldsizes.h"
 #include "store/jetdatabase.h"
 #include "store/jetwriter.h"
-#include "store/passwordcheck.h"
 #include "store/storetest.h"
 #include "support/testsupport.h"
 
@@ -102,21 +101,6 @@ class DaoEngineTest : public QObject {
         QCOMPARE(ErrorNumber([&] { types->Edit(); }), int(jetObjectReadOnly));
         QCOMPARE(ErrorNumber([&] { reading->Execute("DELETE FROM type"); }),
                  int(jetObjectReadOnly));
-    }
-
-    void passwordCheckIsWritten() {
-        TempProgramFolder folder;
-        const QString path = folder.file("new.gdb");
-        sqlite3* db = nullptr;
-        QCOMPARE(sqlite3_open(path.toUtf8().constData(), &db), SQLITE_OK);
-        sqlite3_exec(db, "CREATE TABLE t (a TEXT(5))", nullptr, nullptr, nullptr);
-        sqlite3_close(db);
-        // Without a check any password opens the file.
-        QVERIFY(DBEngine::OpenDatabase(path, true, false, ";pwd=anything")->IsOpen());
-        DBEngine::SetDatabasePassword(path, "secret");
-        QCOMPARE(ErrorNumber([&] { DBEngine::OpenDatabase(path, true, false, ";pwd=other"); }),
-                 int(jetNotValidPassword));
-        QVERIFY(DBEngine::OpenDatabase(path, true, false, ";pwd=secret")->IsOpen());
     }
 
     void damagedFilesAreRefusedWithJetsErrors() {

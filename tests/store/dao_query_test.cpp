@@ -18,31 +18,6 @@ class DaoQueryTest : public QObject {
     }
     void cleanup() { folder_.reset(); }
 
-    void joinGivesQualifiedAndPlainNames() {
-        AddTitle(*gDatabase, "Zebra");
-        AddTitle(*gDatabase, "Apple", 3, 10, 21, 4);
-        auto rs = gDatabase->OpenRecordset(kJoin);
-        QCOMPARE(rs->RecordCount(), 1L);
-        // Ordered by platform name: Audio before PC.
-        QCOMPARE(rs->Fields("nmcd").Value().toString(), QString("Zebra"));
-        QCOMPARE(rs->Fields("platform.idplatform").Value(), QVariant(qint64(1)));
-        QCOMPARE(rs->Fields("TITLE.IDVENDOR").Value(), QVariant(qint64(1)));
-        QCOMPARE(rs->Fields("nmvendor").Value().toString(), QString("Various artists"));
-        QCOMPARE(rs->Fields("nmmediatype").Value().toString(), QString("CD-ROM"));
-        QCOMPARE(rs->Fields("type.idtype").QualifiedName(), QString("type.idtype"));
-        QCOMPARE(rs->Fields("type.idtype").Name(), QString("idtype"));
-        // A repeated plain name reads the first table's field.
-        QCOMPARE(rs->Fields("idplatform").QualifiedName(), QString("title.idplatform"));
-        QCOMPARE(ErrorNumber([&] { rs->Fields("nosuchfield"); }), int(jetItemNotFound));
-        QCOMPARE(ErrorNumber([&] { rs->Fields(rs->FieldCount()); }), int(jetItemNotFound));
-        rs->MoveNext();
-        QCOMPARE(rs->RecordCount(), 2L);
-        QCOMPARE(rs->Fields("platform.idplatform").Value(), QVariant(qint64(3)));
-        QCOMPARE(rs->Fields("nmvendor").Value().toString(), QString("Unknown vendor"));
-        rs->MoveNext();
-        QVERIFY(rs->IsEOF());
-    }
-
     void valuesKeepTheirKinds() {
         AddTitle(*gDatabase, "Kinds");
         auto rs = gDatabase->OpenRecordset("select * from title");
@@ -92,7 +67,6 @@ class DaoQueryTest : public QObject {
         rs->MoveNext();
         QCOMPARE(rs->Fields("idtype").Value(), QVariant(qint64(1)));
         QCOMPARE(ErrorNumber([&] { rs->SetAbsolutePosition(17); }), 3001);
-        QCOMPARE(ErrorNumber([&] { rs->SetAbsolutePosition(-1); }), 3001);
     }
 
     void oneStatementPerCall() {

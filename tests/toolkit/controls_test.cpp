@@ -358,21 +358,6 @@ class ControlsTest : public QObject {
         QCOMPARE(gif.Canvas().pixel(2, 1), qRgb(0, 255, 255));
         QVERIFY(dialogs.msgBoxes.isEmpty());
     }
-
-    void badStreamsFailCleanly() {
-        ScriptedDialogs dialogs;
-        AnimatedGifCtl gif;
-        gif.LoadGifData("PNG not a picture at all");
-        QVERIFY(!gif.bValidGif());
-        QCOMPARE(
-            dialogs.takeBoxes(),
-            Boxes(
-                {{"Sorry, not an Animated Gif file", vbOKOnly, "Not a Valid Animated Gif File!"},
-                 {"Sorry, you must first load a valid Animated Gif file.", vbOKOnly, "Velmora"}}));
-        gif.StartTimer();
-        QCOMPARE(dialogs.takeBoxes(),
-                 Boxes({{"Sorry, you must first load an Animated Gif file", vbOKOnly, "Velmora"}}));
-    }
 };
 
 VELMORA_TEST_MAIN(ControlsTest)
