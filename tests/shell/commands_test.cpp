@@ -97,12 +97,10 @@ class CommandsTest : public QObject {
         // Two audio titles, the first with two tracks.
         gDatabase->Execute(
             "insert into title (idcd, nmcd, nrcds, idvendor, idplatform, idtype, idspecific, "
-            "idmediatype) values (1, 'Blue Harbour', 1, 1, 1, 1, 1, 1)");
+            "idmediatype) values (1, 'Blue Harbour', 1, 1, 1, 1, 1, 1), "
+            "(2, 'Quiet Fields', 2, 1, 1, 2, 4, 1)");
         gDatabase->Execute(
-            "insert into title (idcd, nmcd, nrcds, idvendor, idplatform, idtype, idspecific, "
-            "idmediatype) values (2, 'Quiet Fields', 2, 1, 1, 2, 4, 1)");
-        gDatabase->Execute("insert into Tracks (idcd, TrackID, TrackName) values (1, 1, 'Dawn')");
-        gDatabase->Execute("insert into Tracks (idcd, TrackID, TrackName) values (1, 2, 'Dusk')");
+            "insert into Tracks (idcd, TrackID, TrackName) values (1, 1, 'Dawn'), (1, 2, 'Dusk')");
         folder_->closeCatalogue();
 
         dialogs_ = new ScriptedDialogs();

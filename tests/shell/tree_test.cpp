@@ -49,9 +49,8 @@ class TreeTest : public QObject {
 
         // Ids of several digits, twin names, a platform without types.
         gDatabase->Execute(
-            "INSERT INTO platform (idplatform, nmplatform, visible) VALUES (12, 'Twin', 1)");
-        gDatabase->Execute(
-            "INSERT INTO platform (idplatform, nmplatform, visible) VALUES (13, 'Twin', 1)");
+            "INSERT INTO platform (idplatform, nmplatform, visible) VALUES (12, 'Twin', 1), "
+            "(13, 'Twin', 1)");
         gDatabase->Execute("INSERT INTO type (idtype, nmtype, idplatform) VALUES (103, 'T', 12)");
         FillTree(1, "");
         QTreeWidgetItem* twelve = NodeWithKey("key12");

@@ -114,8 +114,7 @@ class DaoEditTest : public QObject {
                  }),
                  int(jetDuplicateValues));
         // Titles without a TitleID do not collide.
-        gDatabase->Execute("INSERT INTO title (nmcd) VALUES ('c')");
-        gDatabase->Execute("INSERT INTO title (nmcd) VALUES ('d')");
+        gDatabase->Execute("INSERT INTO title (nmcd) VALUES ('c'), ('d')");
         QCOMPARE(RowCount("title"), 3L);
     }
 
@@ -130,8 +129,8 @@ class DaoEditTest : public QObject {
             "(70, 'V', 6)");
         AddTitle(*gDatabase, "Mine", 6, 50, 60, 70);
         AddTitle(*gDatabase, "Audio");
-        gDatabase->Execute("INSERT INTO Tracks (idcd, TrackID, TrackName) VALUES (2, 1, 'a')");
-        gDatabase->Execute("INSERT INTO Tracks (idcd, TrackID, TrackName) VALUES (2, 2, 'b')");
+        gDatabase->Execute(
+            "INSERT INTO Tracks (idcd, TrackID, TrackName) VALUES (2, 1, 'a'), (2, 2, 'b')");
 
         gDatabase->Execute("DELETE FROM platform WHERE idplatform = 6");
         QCOMPARE(gDatabase->RecordsAffected(), 1L);
