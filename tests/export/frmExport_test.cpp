@@ -83,18 +83,6 @@ class ExportWindowTest : public QObject {
         QCOMPARE(form.IniPath, windows + "/cdplayer.ini");
         QVERIFY(form.Check1[3]->isEnabled() && form.Option1[3]->isEnabled());
         QVERIFY(!form.Check1[4]->isEnabled());
-
-        // The Deluxe player's data source names its database by a Windows path.
-        const QString plus = folder_->path() + "/wine/drive_c/Program Files/Plus!";
-        QDir().mkpath(plus);
-        QVERIFY(QFile::copy(FixturePath("deluxe/cd_pk.mdb"), plus + "/DeluxeCD.mdb"));
-        WriteBytes(folder_->path() + "/wine/user.reg",
-                   "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
-                   "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
-        frmExport withDeluxe(gMainForm);
-        withDeluxe.Form_Load();
-        QCOMPARE(withDeluxe.DeluxePath, plus + "/DeluxeCD.mdb");
-        QVERIFY(withDeluxe.Check1[4]->isEnabled());
     }
 
     void selectionFollowsTheTreeNode() {
