@@ -1,14 +1,12 @@
 // Reading a disc into the title editor: an audio CD's tracks, identity, title and artist; a
-// data disc's listing, capacity and free space; a disc already catalogued; and readings that
-// fail without touching the form; the online look-up offered for a disc without CD-Text. And
-// "Find this disc" on the main window: the catalogued disc
-// selected in tree and list, an unknown disc named, and no drive at all.
+// data disc's listing, capacity and free space; a disc already catalogued; the online look-up
+// offered for a disc without CD-Text. And "Find this disc" on the main window: the catalogued
+// disc selected in tree and list, an unknown disc named, and no drive at all.
 
 #include <QLineEdit>
 #include <QTemporaryDir>
 
 #include <QPlainTextEdit>
-#include <QTcpServer>
 #include <QTreeWidget>
 
 #include "disc/audiodisc.h"

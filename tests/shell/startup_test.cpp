@@ -1,7 +1,7 @@
 // A real start and exit of the program in a temporary program folder; the start's upgrade of a
 // catalogue from an older version whose label column is narrow; and two programs on one
-// catalogue folder, as two processes: the second start, in either order and during the first
-// one's exit, raises the first and never touches the catalogue.
+// catalogue folder, as two processes: a start while the other runs or exits never touches the
+// catalogue.
 
 #include <sqlite3.h>
 

@@ -1,7 +1,5 @@
 // The folder tree: how it is built from the catalogue, and how selections turn into reads.
 
-#include <QSignalSpy>
-
 #include "lookups/viewqueries.h"
 #include "shell/listtree_support.h"
 #include "shell/mGlobalFunctions.h"

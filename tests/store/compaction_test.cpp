@@ -1,5 +1,5 @@
 // Compaction of the catalogue at exit: the compacted copy, the refusal of a leftover temporary
-// file, the swap, and the window that cannot be closed while it works.
+// file, a catalogue reached through a symbolic link, and the reopening after a failure.
 
 #include <sqlite3.h>
 

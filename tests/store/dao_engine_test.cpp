@@ -1,15 +1,13 @@
-// The database engine: the catalogue file itself (opening, password, exclusive hold, closing,
-// compaction and the column widths the program reads at start), and the Jet files of the CD
-// players read through it, refused when damaged and changed only through a writer.
+// The database engine: the catalogue file itself (opening, password, exclusive hold, closing),
+// and the Jet files of the CD players read through it, refused when damaged and changed only
+// through a writer.
 
 #include <QFile>
 
 #include "store/catalogue.h"
 #include "store/dao.h"
-#include "store/fieldsizes.h"
 #include "store/jetdatabase.h"
 #include "store/jetwriter.h"
-#include "store/storetest.h"
 #include "support/testsupport.h"
 
 namespace {

@@ -1,5 +1,5 @@
-// The download window against a local server (resumed, refused and cancelled transfers, its
-// progress and its formatting), and the live update that runs on it.
+// The download window against a local server (resumed, refused and cancelled transfers, and its
+// formatting), and the live update that runs on it.
 
 #include <QDir>
 #include <QFile>
