@@ -66,13 +66,6 @@ class DiscReaderTest : public QObject {
         QCOMPARE(disc.album, QString("Blue Hours"));
         QCOMPARE(disc.performer, QString("Ann Tanner"));
         QCOMPARE(disc.trackTitles, (QStringList{"Morning", "", QString::fromUtf8("Café Night")}));
-
-        // Without CD-Text the texts stay empty, one per track.
-        const QString plain = MakeCue(dir.path(), "plain", "", "", {{"00:00:00", ""}});
-        QVERIFY2(ReadAudioDisc(plain, disc, problem), qPrintable(problem));
-        QCOMPARE(disc.trackTitles, QStringList{""});
-        QVERIFY(disc.album.isEmpty() && disc.performer.isEmpty());
-        QCOMPARE(disc.titleId, 0x200u + 750u);
     }
 
     void audioRefusals() {

@@ -102,17 +102,6 @@ class OnlineLookupTest : public QObject {
         QVERIFY(ids.musicBrainzToc.startsWith("1 22 303602 150 9700 "));
         QCOMPARE(ids.freedbOffsets, offsets);
         QCOMPARE(ids.freedbSeconds, 303602 / 75);
-
-        // The same audio session with a data session behind it: MusicBrainz leaves the data
-        // track out and ends the audio where the session gap begins; CDDB counts it.
-        toc.trackStarts << 303602 + 11400 - 150;
-        toc.leadout = 303602 + 11400 + 40000 - 150;
-        toc.trailingDataTracks = 1;
-        ids = Ids(toc);
-        QCOMPARE(ids.musicBrainzId, QString("xUp1F2NkfP8s8jaeFn_Av3jNEI4-"));
-        QCOMPARE(ids.audioTracks, 22);
-        QCOMPARE(ids.freedbOffsets.size(), 23);
-        QVERIFY(ids.freedbId != "370fce16");
     }
 
     void musicBrainzAnswers() {
@@ -161,12 +150,6 @@ class OnlineLookupTest : public QObject {
         QCOMPARE(server.targets.size(), 2);
         QVERIFY(server.times[1] - server.times[0] >= 990);
 
-        // Neither form known: nothing found, and nothing went wrong.
-        server.clear();
-        outcome = AskMusicBrainz(server);
-        QCOMPARE(outcome.matches.size(), 0);
-        QVERIFY(outcome.finished && outcome.problem.isEmpty());
-
         // A 503 is waited out as Retry-After says and asked once more; a second one is final.
         server.clear();
         server.answer("/ws/2/discid/" + id,
@@ -175,13 +158,6 @@ class OnlineLookupTest : public QObject {
                       Body(Releases({Release("rel-1", "Blue Hours", "1999", "GB", Credit("A"),
                                              {Medium(1, id, Tracks({"x", "y", "z"}))})})));
         QCOMPARE(AskMusicBrainz(server).matches.size(), 1);
-        QCOMPARE(server.targets.size(), 2);
-        server.clear();
-        server.answer("/ws/2/discid/" + id,
-                      Status("503 Service Unavailable", "Retry-After: 0\r\n"));
-        outcome = AskMusicBrainz(server);
-        QCOMPARE(outcome.problem,
-                 QString("MusicBrainz (127.0.0.1): the server is busy (503); try again later."));
         QCOMPARE(server.targets.size(), 2);
     }
 
@@ -261,12 +237,6 @@ class OnlineLookupTest : public QObject {
         const QString malformed = AskMusicBrainz(server).problem;
         QVERIFY2(malformed.startsWith(prefix + "the answer is not valid JSON ("),
                  qPrintable(malformed));
-        server.clear();
-        Reply truncated = Body(valid.left(valid.size() / 2));
-        truncated.announced = valid.size();
-        server.answer(id, truncated);
-        QVERIFY(
-            AskMusicBrainz(server).problem.startsWith(prefix + "the answer is not valid JSON ("));
         server.clear();
         server.answer(id, Body("[1, 2]"));
         QCOMPARE(AskMusicBrainz(server).problem, prefix + "the answer holds no list of releases.");

@@ -3,7 +3,6 @@
 // main window's list).
 
 #include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
@@ -57,29 +56,15 @@ class frmEditTest : public QObject {
     void addRoadListsAndCascade() {
         SelectNode("root");
         QPointer<frmEdit> form = OpenEditor(true);
-        QCOMPARE(form->windowTitle(), QString("Add Title"));
-        QCOMPARE(form->cmdOK->text(), QString("&Add"));
         QCOMPARE(form->Combo1[0]->currentIndex(), -1);
         QCOMPARE(Texts(form->Combo1[0]),
                  QStringList({"Audio", "Game console", "Macintosh", "PC", "Video"}));
         for (int list : {1, 2, 3}) QVERIFY(!form->Combo1[list]->isEnabled());
         QVERIFY(!form->cmdTracks->isEnabled());
 
-        // Rating runs 100 down to 0 with the odd row of 18, preselected at 75; one cd; the
-        // first mediatype.
-        QCOMPARE(form->Combo1[5]->count(), 101);
+        // Rating runs 100 down to 0 with the odd row of 18 (shown as 28).
         QCOMPARE(form->Combo1[5]->itemData(82).toInt(), 18);
         QCOMPARE(form->Combo1[5]->itemText(82), QString("28"));
-        QCOMPARE(form->Combo1[5]->itemText(81), QString("19"));
-        QCOMPARE(form->Combo1[5]->currentData().toInt(), 75);
-        QCOMPARE(form->Combo1[6]->count(), 12);
-        QCOMPARE(form->Combo1[6]->currentData().toInt(), 1);
-        QCOMPARE(form->Combo1[4]->currentIndex(), 0);
-
-        QStringList tips;
-        for (QLabel* label : form->findChildren<QLabel*>())
-            if (label->text() == "Rating") tips << label->toolTip();
-        QCOMPARE(tips, QStringList{"Give your a cd-title a rating"});
 
         ChooseText(form->Combo1[0], "Audio");
         QCOMPARE(Texts(form->Combo1[1]), QStringList({"Unknown artist", "Various artists"}));
@@ -89,15 +74,10 @@ class frmEditTest : public QObject {
         QVERIFY(form->Combo1[1]->isEnabled() && form->Combo1[2]->isEnabled());
         QVERIFY(!form->Combo1[3]->isEnabled());
         QVERIFY(form->cmdTracks->isEnabled());
-        QCOMPARE(form->cmdTracks->text(), form->TracksCaption());
 
         ChooseText(form->Combo1[2], "Jazz");
         QVERIFY(form->Combo1[3]->isEnabled());
         QCOMPARE(Texts(form->Combo1[3]), QStringList({"Album", "Live"}));
-        QCOMPARE(form->Combo1[3]->itemData(0).toLongLong(),
-                 Scalar("select idspecific from specific where idtype = 4 and nmspecific = "
-                        "'Album'")
-                     .toLongLong());
 
         // Another platform empties the specific items and keeps the tracks button's caption.
         ChooseText(form->Combo1[0], "Video");
@@ -106,9 +86,6 @@ class frmEditTest : public QObject {
         QCOMPARE(form->Combo1[3]->count(), 0);
         QVERIFY(!form->Combo1[3]->isEnabled());
         QCOMPARE(Texts(form->Combo1[2]), QStringList({"Concert", "Documentary", "Movie"}));
-        ChooseText(form->Combo1[0], "PC");
-        QVERIFY(form->cmdTracks->isEnabled());
-        QCOMPARE(form->cmdTracks->text(), QString("Enter listing here..."));
         form->Unload();
 
         // From a type node the platform and the type come preselected.
@@ -118,14 +95,6 @@ class frmEditTest : public QObject {
         QCOMPARE(form->Combo1[2]->currentText(), QString("Jazz"));
         QCOMPARE(Texts(form->Combo1[3]), QStringList({"Album", "Live"}));
         QCOMPARE(form->Combo1[1]->currentIndex(), -1);
-        form->Unload();
-
-        // From a platform node only the platform.
-        SelectNode("key3");
-        form = OpenEditor(true);
-        QCOMPARE(form->Combo1[0]->currentText(), QString("PC"));
-        QCOMPARE(form->Combo1[2]->currentIndex(), -1);
-        QCOMPARE(form->cmdTracks->text(), form->ListingCaption());
         form->Unload();
         QVERIFY(!gEditForm);
 
@@ -142,85 +111,6 @@ class frmEditTest : public QObject {
         ShowEditForm(gMainForm);
         QCOMPARE(opened, QString("Add Title"));
         QVERIFY(!gEditForm);
-    }
-
-    void editRoadLoadsEveryField() {
-        const long id = StoreTitle(
-            "'Kind of Blue', 4, 2, 1, 4, 10, 2, 'JC-12', 1, 18, '2001-02-03', '2002-03-04', "
-            "'first' || char(13) || char(10) || 'second', null");
-        const long marked = StoreTitle(
-            "'Marked', 1, 1, 1, 1, 1, 1, char(0), 1, 50, '2001-02-03', '2001-02-03', char(0), "
-            "null");
-
-        QPointer<frmEdit> form = OpenEditor(false, id);
-        QCOMPARE(form->windowTitle(), QString("Edit Title"));
-        QCOMPARE(form->cmdOK->text(), QString("&Update"));
-        QCOMPARE(form->txtTitle->text(), QString("Kind of Blue"));
-        QCOMPARE(form->Combo1[0]->currentText(), QString("Audio"));
-        QCOMPARE(form->Combo1[1]->currentData().toLongLong(), 2LL);
-        QCOMPARE(form->Combo1[2]->currentText(), QString("Jazz"));
-        QCOMPARE(form->Combo1[3]->currentData().toLongLong(), 10LL);
-        QCOMPARE(form->Combo1[4]->currentData().toLongLong(), 2LL);
-        QCOMPARE(form->Combo1[5]->currentText(), QString("28"));
-        QCOMPARE(form->Combo1[6]->currentText(), QString("4"));
-        QCOMPARE(form->Text2->text(), QString("JC-12"));
-        QCOMPARE(form->Memo->toPlainText(), QString("first\nsecond"));
-        QCOMPARE(form->lblCreated->text(), ShortDate(QDate(2001, 2, 3)));
-        QCOMPARE(form->lblModified->text(), ShortDate(QDate(2002, 3, 4)));
-        QVERIFY(form->cmdTracks->isEnabled());
-        form->Unload();
-
-        form = OpenEditor(false, marked);
-        QCOMPARE(form->Text2->text(), QString());
-        QCOMPARE(form->Memo->toPlainText(), QString());
-        form->Unload();
-    }
-
-    void goldButtonsChangeTheLists() {
-        SelectNode("key1");
-        QPointer<frmEdit> form = OpenEditor(true);
-
-        dialogs->answerInput("Joan Merrit");
-        QTest::mouseClick(form->cmdVendor[0], Qt::LeftButton);
-        QCOMPARE(dialogs->inputs.size(), 1);
-        QCOMPARE(dialogs->inputs[0].title, QString("Add vendor"));
-        const QVariant newId = Scalar("select idvendor from vendor where nmvendor = 'Joan Merrit'");
-        QVERIFY(!newId.isNull());
-        QCOMPARE(Scalar("select idplatform from vendor where idvendor = " + newId.toString())
-                     .toLongLong(),
-                 1LL);
-        QCOMPARE(form->Combo1[1]->currentText(), QString("Joan Merrit"));
-        QCOMPARE(form->Combo1[1]->currentData().toLongLong(), newId.toLongLong());
-
-        dialogs->answerInput("Joan Merritt");
-        QTest::mouseClick(form->cmdVendor[1], Qt::LeftButton);
-        QCOMPARE(dialogs->inputs[1].defaultText, QString("Joan Merrit"));
-        QCOMPARE(form->Combo1[1]->currentText(), QString("Joan Merritt"));
-
-        dialogs->answerMsgBox(vbYes);
-        QTest::mouseClick(form->cmdVendor[2], Qt::LeftButton);
-        QCOMPARE(form->Combo1[1]->currentIndex(), -1);
-        QCOMPARE(form->Combo1[1]->findText("Joan Merritt"), -1);
-        QVERIFY(
-            Scalar("select idvendor from vendor where idvendor = " + newId.toString()).isNull());
-
-        // A new type is selected and fills its (empty) specific items.
-        dialogs->answerInput("Bebop");
-        QTest::mouseClick(form->cmdType[0], Qt::LeftButton);
-        QCOMPARE(form->Combo1[2]->currentText(), QString("Bebop"));
-        QVERIFY(form->Combo1[3]->isEnabled());
-        QCOMPARE(form->Combo1[3]->count(), 0);
-
-        // Nothing to rename, and no type to add a specific item to: no dialogue at all.
-        ChooseText(form->Combo1[0], "Video");
-        const int asked = dialogs->inputs.size();
-        QTest::mouseClick(form->cmdSpecific[0], Qt::LeftButton);
-        QTest::mouseClick(form->cmdVendor[1], Qt::LeftButton);
-        QCOMPARE(dialogs->inputs.size(), asked);
-        QCOMPARE(dialogs->msgBoxes, Boxes({{"Are you sure you want to delete the vendor \"Joan "
-                                            "Merritt\"?",
-                                            vbYesNoCancel + vbQuestion, "Confirm Delete"}}));
-        form->Unload();
     }
 
     void keysRunAtKeyUp() {
@@ -251,14 +141,6 @@ class frmEditTest : public QObject {
         QVERIFY(!form);
         QCOMPARE(TitleCount(), before + 1);
         QVERIFY(dialogs->msgBoxes.isEmpty());
-
-        // Escape closes without saving, from the memo too.
-        form = OpenEditor(true);
-        form->txtTitle->setText("Not saved");
-        QTest::keyClick(form->Memo, Qt::Key_Escape);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!form);
-        QCOMPARE(TitleCount(), before + 1);
     }
 
     // Keys pressed in an open list are the list's: its key-ups neither close nor save.
@@ -342,24 +224,6 @@ class frmEditTest : public QObject {
         form->Unload();
     }
 
-    void tracksEditorReadsTheStoredTitle() {
-        const long id = StoreTitle(
-            "'Three', 1, 1, 1, 1, 1, 1, 'x', 1, 50, '2001-02-03', '2001-02-03', 'm', null");
-        for (const char* row : {"0, 'a'", "2, 'c'", "1, ' '"})
-            gDatabase->Execute("insert into Tracks values (" + QString::number(id) + ", " +
-                               QString(row) + ")");
-        QPointer<frmEdit> form = OpenEditor(false, id);
-        QCOMPARE(ShownInTracksEditor(form, &frmTracksListing::cmdCancel),
-                 "Edit tracks here...|a" + kCrLf + " " + kCrLf + "c");
-        form->Unload();
-
-        const long pc = StoreTitle(
-            "'Disk', 1, 4, 3, 10, 21, 1, 'x', 1, 50, '2001-02-03', '2001-02-03', 'm', char(0)");
-        form = OpenEditor(false, pc);
-        QCOMPARE(ShownInTracksEditor(form), QString("Edit listing here...|"));
-        form->Unload();
-    }
-
     void emptyFormNamesWhatIsMissing() {
         SelectNode("root");
         QPointer<frmEdit> form = OpenEditor(true);
@@ -419,27 +283,21 @@ class frmEditTest : public QObject {
         QVERIFY(dialogs->msgBoxes.isEmpty());
 
         const long id = gCurrentTitleId;
-        QCOMPARE(Scalar("select max(idcd) from title").toLongLong(), qlonglong(id));
-        QCOMPARE(TitleField(id, "nmcd").toString(), QString("Blue Train"));
-        QCOMPARE(TitleField(id, "idplatform").toInt(), 1);
-        QCOMPARE(TitleField(id, "idtype").toInt(), 4);
-        QCOMPARE(TitleField(id, "iddevicetype").toInt(), 1);
-        QCOMPARE(TitleField(id, "rating").toInt(), 75);
-        QCOMPARE(TitleField(id, "nrcds").toInt(), 1);
-        QCOMPARE(TitleField(id, "label").toString(), QString("BT-1"));
-        QCOMPARE(TitleField(id, "memo").toString(), kEmptyTextMark);
-        QCOMPARE(TitleField(id, "created").toString(), QDate::currentDate().toString(Qt::ISODate));
-        QCOMPARE(TitleField(id, "modified").toString(), QDate::currentDate().toString(Qt::ISODate));
+        const QString today = QDate::currentDate().toString(Qt::ISODate);
+        QCOMPARE(TitleField(id,
+                            "nmcd || '|' || idplatform || '|' || idtype || '|' || iddevicetype "
+                            "|| '|' || rating || '|' || nrcds || '|' || label || '|' || "
+                            "memo || '|' || created || '|' || modified")
+                     .toString(),
+                 "Blue Train|1|4|1|75|1|BT-1|" + kEmptyTextMark + "|" + today + "|" + today);
 
         // The blank line keeps its place as a track of one blank; the quote is stored once.
         QCOMPARE(StoredTracks(id), QStringList({"0:One", "1: ", "2:Don't stop"}));
         QCOMPARE(TitleField(id, "NumTracks").toInt(), 3);
 
         const int row = gMainForm->ListIndexOfKey("id" + QString::number(id));
-        QVERIFY(row >= 0);
         QCOMPARE(gMainForm->ListItemCount(), rows + 1);
         QCOMPARE(gMainForm->ListItemText(row), QString("Blue Train"));
-        QCOMPARE(gMainForm->ListItemTag(row), QString::number(id));
         QCOMPARE(gMainForm->ListItemSubItems(row).mid(0, 4),
                  QStringList({"Unknown artist", "Jazz", "Album", "1"}));
     }

@@ -1,13 +1,12 @@
-// The toolkit's own controls: the gold button (its edges, caption, skins, pictures and events),
-// the divider between two panes, dragged with the real mouse events of its frame, the owner-drawn
-// menus (the caption grammar, the conversion of the main window's menus, their help texts in the
-// status bar and their accelerators), the animated GIF control, and the pictures they show.
+// The toolkit's own controls: the gold button (its edges, caption and events), the divider
+// between two panes, dragged with the real mouse events of its frame, the owner-drawn menus (the
+// conversion of the main window's menus, their widths, their help texts in the status bar and
+// their accelerators), and the animated GIF control.
 
 #include <QDir>
 #include <QFrame>
 #include <QListWidget>
 #include <QMenu>
-#include <QRubberBand>
 
 #include "shell/frmMain.h"
 #include "support/testsupport.h"
@@ -16,7 +15,6 @@
 #include "toolkit/cVSplitter.h"
 #include "toolkit/ctlGoldButton.h"
 #include "toolkit/gifbuilder.h"
-#include "toolkit/imagelists.h"
 #include "toolkit/mCoolMenu.h"
 #include "toolkit/vbruntime.h"
 
@@ -81,33 +79,6 @@ QPixmap Solid(const QColor& colour) {
     return pixmap;
 }
 
-// A skin whose every pixel says, in green, which of its five cells it lies in.
-QPixmap LabelledSkin() {
-    QImage skin(82, 115, QImage::Format_RGB32);
-    for (int y = 0; y < skin.height(); ++y) {
-        for (int x = 0; x < skin.width(); ++x) skin.setPixel(x, y, qRgb(0, y / 23 * 50, 77));
-    }
-    return QPixmap::fromImage(skin);
-}
-
-// The skin cell a pixel came from; -1 for the plain face.
-int CellAt(const QImage& shot, const QPoint& p) {
-    const QRgb pixel = shot.pixel(p);
-    return qBlue(pixel) == 77 ? qGreen(pixel) / 50 : -1;
-}
-
-// The cell drawn as the body and the cell drawn as the frame; -2 for a body or a frame
-// that mixes cells.
-QPair<int, int> SkinLook(ctlGoldButton& button) {
-    const QImage shot = Shot(button);
-    const int body = CellAt(shot, kCentre), edge = CellAt(shot, {0, 0});
-    const bool oneBody = CellAt(shot, {2, 2}) == body && CellAt(shot, {kW - 3, kH - 3}) == body;
-    const bool oneEdge = CellAt(shot, {0, kH / 2}) == edge &&
-                         CellAt(shot, {kW / 2, kH - 1}) == edge &&
-                         CellAt(shot, {kW - 1, kH / 2}) == edge;
-    return {oneBody ? body : -2, oneEdge ? edge : -2};
-}
-
 // The two panes and their divider in a window of their own.
 struct Panes {
     QWidget form;
@@ -148,17 +119,6 @@ TestGifFrame Filled(int left, int top, int width, int height, unsigned char inde
 
 QStringList TempFrameFiles() {
     return QDir(QDir::tempPath()).entryList({"*.CUSTOM"}, QDir::Files);
-}
-
-// The icon's own picture: the size it was drawn at, and not a blank square.
-void VerifyIcon(const QIcon& icon, int size, const QString& name) {
-    QVERIFY2(!icon.isNull(), qPrintable(name));
-    QCOMPARE(icon.availableSizes(), QList<QSize>{QSize(size, size)});
-    const QImage image = icon.pixmap(size, size).toImage();
-    QCOMPARE(image.size(), QSize(size, size));
-    QVERIFY2(image.pixelColor(size / 2, size / 2).alpha() > 0 ||
-                 image.pixelColor(size / 2 - 2, size / 2 + 2).alpha() > 0,
-             qPrintable(name));
 }
 
 }  // namespace
@@ -215,88 +175,6 @@ class ControlsTest : public QObject {
         }
     }
 
-    void skinCellsFollowTheState() {
-        ctlGoldButton button;
-        Prepare(button);
-        button.setSkinPicture(LabelledSkin());
-        button.setStyle(ctlGoldButton::bsSkin);
-        using Look = QPair<int, int>;
-
-        // At rest the body follows OnDown (10: cell 4) and the frame OnUp (4: cell 1).
-        QCOMPARE(SkinLook(button), Look(4, 1));
-        Hover(button);
-        QCOMPARE(SkinLook(button), Look(3, 3));
-        QTest::mousePress(&button, Qt::LeftButton, {}, kCentre);
-        QCOMPARE(SkinLook(button), Look(4, 4));
-        QTest::mouseRelease(&button, Qt::LeftButton, {}, kCentre);
-        button.setEnabled(false);
-        QCOMPARE(SkinLook(button), Look(4, 1));
-        button.setEnabled(true);
-
-        button.setOnUp(ctlGoldButton::edgeNone);
-        QCOMPARE(SkinLook(button), Look(4, 0));
-        button.setOnDown(ctlGoldButton::edgeSunkenOuter);
-        Hover(button);
-        QTest::mousePress(&button, Qt::LeftButton, {}, kCentre);
-        QCOMPARE(SkinLook(button), Look(2, 2));
-    }
-
-    void picturesFollowTheState() {
-        ctlGoldButton button;
-        Prepare(button);
-        button.setAlignment(ctlGoldButton::vbLeftJustify);
-        const QColor red(255, 0, 0), green(0, 255, 0), blue(0, 0, 255), yellow(255, 255, 0);
-        button.setPicture(Solid(red));
-        button.setPictureHover(Solid(green));
-        button.setPictureDown(Solid(blue));
-        button.setPictureDisabled(Solid(yellow));
-        // An 8-pixel picture sits 4 pixels from the left, at (25 - 8) / 2 + 0.5 = 9 from the top,
-        // and one pixel further right and down while pressed.
-        auto at = [&](int x, int y) { return QColor(Shot(button).pixel(x, y)); };
-        QCOMPARE(Ink(Shot(button), red.rgb()), QRect(4, 9, 8, 8));
-        Hover(button);
-        QCOMPARE(at(4, 9), green);
-        QTest::mousePress(&button, Qt::LeftButton, {}, kCentre);
-        QCOMPARE(Ink(Shot(button), blue.rgb()), QRect(5, 10, 8, 8));
-        // Without a pressed picture the hover one stands in, and without that the plain one.
-        button.setPictureDown(QPixmap());
-        QTest::mouseMove(&button, QPoint(kCentre.x() + 1, kCentre.y()));
-        QCOMPARE(at(5, 10), green);
-        button.setPictureHover(QPixmap());
-        QTest::mouseMove(&button, kCentre);
-        QCOMPARE(at(5, 10), red);
-        QTest::mouseRelease(&button, Qt::LeftButton, {}, kCentre);
-        button.setEnabled(false);
-        QCOMPARE(at(4, 9), yellow);
-    }
-
-    void disabledCaptionIsDrawnInRelief() {
-        ctlGoldButton button;
-        Prepare(button, "Add");
-        const QRect inside(2, 2, kW - 4, kH - 4);
-        // The light copy is the dark one moved one pixel right and down, partly covered by it.
-        auto checkRelief = [&](QRgb lightColour, QRgb darkColour) {
-            const QImage shot = Shot(button);
-            const QList<QPoint> light = Pixels(shot, lightColour, inside);
-            const QList<QPoint> dark = Pixels(shot, darkColour, inside);
-            QVERIFY(!light.isEmpty() && !dark.isEmpty());
-            for (const QPoint& p : light) QVERIFY(dark.contains(p - QPoint(1, 1)));
-            for (const QPoint& p : dark)
-                QVERIFY(light.contains(p + QPoint(1, 1)) || dark.contains(p + QPoint(1, 1)));
-        };
-        QVERIFY(Pixels(Shot(button), qRgb(255, 255, 255), inside).isEmpty());
-        button.setEnabled(false);
-        checkRelief(qRgb(255, 255, 255), qRgb(128, 128, 128));
-
-        // With a skin the relief takes the skin's own colours.
-        button.setSkinHighlight(ctlGoldButton::RGB(255, 0, 0));
-        button.setSkinDisabledText(ctlGoldButton::RGB(0, 0, 255));
-        checkRelief(qRgb(255, 255, 255), qRgb(128, 128, 128));
-        button.setSkinPicture(QPixmap(":/skins/goldbutton.png"));
-        button.setStyle(ctlGoldButton::bsSkin);
-        checkRelief(qRgb(255, 0, 0), qRgb(0, 0, 255));
-    }
-
     void clickComesBeforeMouseUp() {
         ctlGoldButton button;
         Prepare(button, "Add");
@@ -342,15 +220,6 @@ class ControlsTest : public QObject {
         QCOMPARE(window.right->geometry(), QRect(202, 30, 600 - 203 + 1, 350));
         QCOMPARE(window.divider->geometry(), QRect(200, 30, 3, 350));
 
-        window.splitter.SetLeft(-5);
-        window.splitter.SetTop(-1);
-        window.splitter.SetHeightOffset(-1);
-        window.splitter.SetWidth(0);
-        QCOMPARE(window.splitter.Left(), 200L);
-        QCOMPARE(window.splitter.Top(), 30L);
-        QCOMPARE(window.splitter.HeightOffset(), 20L);
-        QCOMPARE(window.splitter.Width(), 3);
-
         window.splitter.SetLeft(150);
         QCOMPARE(window.left->width(), 151);
 
@@ -372,22 +241,6 @@ class ControlsTest : public QObject {
         QCOMPARE(window.left->width(), 121);
     }
 
-    void dragClampsAtBothEdges() {
-        Panes window(true);
-        const long minPane = window.splitter.MinPane();
-        QVERIFY(minPane > 0);
-        window.Press(1);
-        QVERIFY(window.splitter.Splitting());
-        window.Move(-500);
-        QCOMPARE(window.splitter.Left(), minPane);
-        QCOMPARE(window.left->width(), int(minPane) + 1);
-        window.Move(2000);
-        QCOMPARE(window.splitter.Left(), 600 - (3 + minPane));
-        window.Release(2000);
-        QVERIFY(!window.splitter.Splitting());
-        QCOMPARE(window.divider->x(), int(600 - (3 + minPane)));
-    }
-
     void escapeCancelsADrag() {
         for (const bool tracking : {true, false}) {
             Panes window(tracking);
@@ -402,59 +255,6 @@ class ControlsTest : public QObject {
             QCOMPARE(window.splitter.Left(), 200L);
             QCOMPARE(window.left->geometry(), left);
         }
-    }
-
-    void ghostBarMovesThePanesAtTheEnd() {
-        Panes window(false);
-        window.Press(1);
-        window.Move(-50);
-        QRubberBand* bar = window.splitter.GhostBar();
-        QVERIFY(bar);
-        QCOMPARE(bar->geometry(), QRect(150, 30, 3, 350));
-        QCOMPARE(window.left->width(), 201);
-        window.Release(-50);
-        QVERIFY(!window.splitter.GhostBar());
-        QCOMPARE(window.left->width(), 151);
-    }
-
-    void captionGrammar() {
-        // A caption, what it converts to, and that it is given back as it was.
-        const struct {
-            const char *caption, *text, *help;
-            bool separator, mark, check;
-        } captions[] = {
-            {"&Plain item", "&Plain item", "", false, false, false},
-            {"|Add a new CD-title|&New CD-title", "&New CD-title", "Add a new CD-title", false,
-             false, false},
-            {"-", "", "", true, false, false},
-            {"-|Section help|Recent", "Recent", "Section help", true, false, false},
-            {"-Recent", "Recent", "", true, false, false},
-            {"#|Show the tree|&Tree", "&Tree", "Show the tree", false, true, true},
-            {"#Tree", "Tree", "", false, true, true},
-            {"*&Large", "&Large", "", false, true, false},
-            // A numbered recent entry is marked, not checked, and keeps its text.
-            {"&1 data.gdb", "&1 data.gdb", "", false, true, false},
-            {"&0 data.gdb", "&0 data.gdb", "", false, false, false},
-            {"&1data.gdb", "&1data.gdb", "", false, false, false},
-        };
-        for (const auto& c : captions) {
-            const CMyItemData item = ParseMenuCaption(c.caption);
-            QCOMPARE(item.sMenuText, QString(c.text));
-            QCOMPARE(item.sMenuHelp, QString(c.help));
-            QCOMPARE(item.fType, c.separator ? kMenuSeparatorType : 0);
-            QCOMPARE(item.bAsMark, c.mark);
-            QCOMPARE(item.bAsCheck, c.check);
-            QCOMPARE(RebuildMenuCaption(item), QString(c.caption));
-        }
-    }
-
-    void imagesFoundByTag() {
-        const QList<ListImage> images{{"a", "", {}}, {"b", "Search for CD", {}}, {"c", "Add", {}}};
-        QCOMPARE(FindImage(images, "search for cd"), 2);
-        QCOMPARE(FindImage(images, "Add a new folder"), 3);
-        QCOMPARE(FindImage(images, "Search"), 2);
-        QCOMPARE(FindImage(images, "Delete"), 0);
-        QCOMPARE(FindImage(images, ""), 0);
     }
 
     void mainWindowMenus() {
@@ -557,129 +357,6 @@ class ControlsTest : public QObject {
         QCOMPARE(gif.Canvas().pixel(0, 0), gif.BackColor().rgb());
         QCOMPARE(gif.Canvas().pixel(2, 1), qRgb(0, 255, 255));
         QVERIFY(dialogs.msgBoxes.isEmpty());
-    }
-
-    void transparencyMasksTheKeyAndRepairsASharedColour() {
-        TestGifFrame base = Filled(0, 0, 2, 2, 3);
-        TestGifFrame overlay = Filled(0, 0, 2, 2, 3);
-        overlay.pixels = {3, 1, 1, 3};
-        // White, red, cyan, and red again at the transparent entry.
-        overlay.localTable = QByteArray("\xFF\xFF\xFF\xFF\x00\x00\x00\xFF\xFF\xFF\x00\x00", 12);
-        overlay.transparent = true;
-        overlay.transparentIndex = 3;
-        AnimatedGifCtl gif;
-        gif.LoadGifData(BuildGif(2, 2, kGlobalTable, {base, overlay}));
-        QVERIFY(gif.bValidGif());
-        // The key got a colour of its own, half the second-largest colour value of the table.
-        const GifPalette& palette = gif.Stream().frames[1].abFramePalette;
-        const int largestButOne = 0xFFFF00;  // cyan, red in the low byte
-        const int repaired = qRound(largestButOne / 2.0);
-        QCOMPARE(palette[9] | (palette[10] << 8) | (palette[11] << 16), repaired);
-        gif.RenderGif(1);
-        QCOMPARE(gif.Canvas().pixel(0, 0), qRgb(0, 0, 255));
-        QCOMPARE(gif.Canvas().pixel(1, 0), qRgb(255, 0, 0));
-        QCOMPARE(gif.Canvas().pixel(1, 1), qRgb(0, 0, 255));
-
-        gif.ChangeTransparentColor = false;
-        gif.LoadGifData(BuildGif(2, 2, kGlobalTable, {base, overlay}));
-        QCOMPARE(gif.Stream().frames[1].abFramePalette[9], static_cast<unsigned char>(0xFF));
-    }
-
-    void timerPlaysEveryFrameWithItsDelay() {
-        TestGifFrame slow = Filled(0, 0, 1, 1, 1);
-        slow.delay = 20;
-        TestGifFrame instant = Filled(0, 0, 1, 1, 2);
-        AnimatedGifCtl gif;
-        gif.LoadGifData(BuildGif(1, 1, kGlobalTable, {slow, instant}));
-        QVERIFY(!gif.TimerRunning());
-        gif.StartTimer();
-        QCOMPARE(gif.TimerInterval(), 250);
-        QTRY_COMPARE(gif.CurrentFrame(), 1);
-        QCOMPARE(gif.TimerInterval(), 201);
-        QTRY_COMPARE(gif.CurrentFrame(), 0);
-        // A delay of 0 plays at the user delay alone.
-        QCOMPARE(gif.TimerInterval(), 1);
-        gif.StopTimer();
-        QVERIFY(!gif.TimerRunning());
-        gif.SetUserDelay("fast");
-        QCOMPARE(gif.UserDelay(), 10);
-        gif.SetUserDelay(5000);
-        QCOMPARE(gif.UserDelay(), 1000);
-
-        // Ten times a delay above 3276 leaves 16 bits: the overflow stops the animation.
-        ScriptedDialogs dialogs;
-        TestGifFrame endless = Filled(0, 0, 1, 1, 1);
-        endless.delay = 3277;
-        gif.LoadGifData(BuildGif(1, 1, kGlobalTable, {endless}));
-        gif.StartTimer();
-        QTRY_VERIFY(!gif.TimerRunning());
-        QCOMPARE(dialogs.msgBoxes, Boxes({{"Overflow", vbCritical, App.Title}}));
-    }
-
-    void badStreamsFailCleanly() {
-        ScriptedDialogs dialogs;
-        AnimatedGifCtl gif;
-        gif.LoadGifData("PNG not a picture at all");
-        QVERIFY(!gif.bValidGif());
-        QCOMPARE(
-            dialogs.takeBoxes(),
-            Boxes(
-                {{"Sorry, not an Animated Gif file", vbOKOnly, "Not a Valid Animated Gif File!"},
-                 {"Sorry, you must first load a valid Animated Gif file.", vbOKOnly, "Velmora"}}));
-        gif.StartTimer();
-        QCOMPARE(dialogs.takeBoxes(),
-                 Boxes({{"Sorry, you must first load an Animated Gif file", vbOKOnly, "Velmora"}}));
-
-        const QByteArray whole = BuildGif(4, 4, kGlobalTable, {Filled(0, 0, 4, 4, 1)});
-        for (int cut : {5, 20, 30, static_cast<int>(whole.size()) - 3}) {
-            gif.LoadGifData(whole.left(cut));
-            QVERIFY2(!gif.bValidGif(), qPrintable(QString::number(cut)));
-            QVERIFY(dialogs.msgBoxes.isEmpty());
-        }
-        // "GIF8" and anything after it passes the signature test.
-        gif.LoadGifData("GIF8" + whole.mid(4));
-        QVERIFY(gif.bValidGif());
-    }
-
-    void theSpinnerResourcePlays() {
-        AnimatedGifCtl gif;
-        gif.LoadGif(100);
-        QVERIFY(gif.bValidGif());
-        QVERIFY(gif.NumberofFrames() >= 7);
-        for (int frame = 0; frame <= gif.NumberofFrames(); ++frame)
-            QVERIFY(!gif.FramePicture(frame).isNull());
-        QVERIFY(TempFrameFiles().isEmpty());
-    }
-
-    void everyKeyHasItsIcon() {
-        for (const QString key :
-             {"foldersclosed", "foldersopen", "closefolder", "openfolder", "searchclosed",
-              "searchopen", "tree", "folders", "searchinfolder", "searchinfolderopen"})
-            VerifyIcon(Imagelist16(key), 16, key);
-        for (int index = 1; index <= 6; ++index)
-            VerifyIcon(PlatformIcon16(index), 16, QString::number(index));
-        for (const QString key : {"addcd", "modifycd", "deletecd", "structure", "search", "import",
-                                  "export", "help", "update", "quit"})
-            VerifyIcon(ToolbarIcon24(key), 24, key);
-
-        QVERIFY(Imagelist16("maintenance").isNull());
-        QVERIFY(PlatformIcon16(0).isNull());
-        QVERIFY(PlatformIcon16(7).isNull());
-        QVERIFY(ToolbarIcon24("maintenance").isNull());
-    }
-
-    void applicationPictures() {
-        const QPixmap splash = SplashPicture();
-        QCOMPARE(splash.size(), QSize(400, 260));
-        // The labels sit on the lower 90 pixels, which are one plain colour.
-        const QImage image = splash.toImage();
-        const QRgb plain = image.pixel(0, 259);
-        for (int y = 175; y < 260; y += 7)
-            for (int x = 0; x < 400; x += 9) QCOMPARE(image.pixel(x, y), plain);
-
-        const QIcon icon = AppIcon();
-        QCOMPARE(icon.availableSizes(), QList<QSize>({QSize(48, 48), QSize(256, 256)}));
-        QCOMPARE(icon.pixmap(256, 256).size(), QSize(256, 256));
     }
 };
 
