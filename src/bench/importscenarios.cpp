@@ -9,6 +9,7 @@
 #include "import/frmImport.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
+#include "store/guardedfile.h"
 #include "toolkit/GCommonDialog.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vberror.h"
@@ -26,6 +27,9 @@ void InstallCatalogue(const QString& folder, const QString& catalogue = QString(
         if (!QFile::copy(source, folder + "/" + name)) throw VbError(0, "Cannot copy " + source);
         QFile::setPermissions(folder + "/" + name, QFile::ReadOwner | QFile::WriteOwner);
     }
+    // A scenario that ran the program before leaves its catalogue guarded at rest; opened here
+    // without the start-up, the copy needs the usable header first.
+    FlipDatabaseHeader(folder + "/data.gdb", kUnguardHeader);
     App.Path = folder;
     gDatabasePath = folder + "/data.gdb";
     gDatabasePassword = kDatabasePassword;
