@@ -27,25 +27,6 @@ const int kTracks = 20;
 const int kFiles = 50000;
 const int kFolders = 500;
 
-QString MakeTwentyTrackCue(const QString& folder) {
-    QByteArray cue =
-        "TITLE \"Benchmark Album\"\nPERFORMER \"Benchmark Artist\"\n"
-        "FILE \"bench.bin\" BINARY\n";
-    for (int track = 0; track < kTracks; ++track) {
-        cue += QString("  TRACK %1 AUDIO\n    TITLE \"Song number %1\"\n    INDEX 01 %2:00:00\n")
-                   .arg(track + 1, 2, 10, QChar('0'))
-                   .arg(track * 3, 2, 10, QChar('0'))
-                   .toUtf8();
-    }
-    QFile file(folder + "/bench.cue");
-    file.open(QIODevice::WriteOnly);
-    file.write(cue);
-    QFile bin(folder + "/bench.bin");
-    bin.open(QIODevice::WriteOnly);
-    bin.resize(qint64(kTracks * 3 * 60 * 75) * 2352);  // sparse: silence costs no disk
-    return file.fileName();
-}
-
 double PeakMegabytes() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
@@ -53,6 +34,26 @@ double PeakMegabytes() {
 }
 
 }  // namespace
+
+QString WriteSilentCue(const QString& folder, const QString& name, int tracks, int minutesApart,
+                       bool cdText) {
+    QByteArray cue = cdText ? "TITLE \"Benchmark Album\"\nPERFORMER \"Benchmark Artist\"\n" : "";
+    cue += "FILE \"" + name.toUtf8() + ".bin\" BINARY\n";
+    for (int track = 0; track < tracks; ++track) {
+        cue += QString("  TRACK %1 AUDIO\n").arg(track + 1, 2, 10, QChar('0')).toUtf8();
+        if (cdText) cue += QString("    TITLE \"Song number %1\"\n").arg(track + 1).toUtf8();
+        cue += QString("    INDEX 01 %1:00:00\n")
+                   .arg(track * minutesApart, 2, 10, QChar('0'))
+                   .toUtf8();
+    }
+    QFile file(folder + "/" + name + ".cue");
+    file.open(QIODevice::WriteOnly);
+    file.write(cue);
+    QFile bin(folder + "/" + name + ".bin");
+    bin.open(QIODevice::WriteOnly);
+    bin.resize(qint64(tracks * minutesApart * 60 * 75) * 2352);  // sparse: silence costs no disk
+    return file.fileName();
+}
 
 void OpenNewAudioTitle() {
     gAddingTitle = true;
@@ -64,7 +65,7 @@ void OpenNewAudioTitle() {
 
 std::vector<double> TimeReadAudioIntoEditor(const QString& folder, int runs) {
     QTemporaryDir images;
-    const QString cue = MakeTwentyTrackCue(images.path());
+    const QString cue = WriteSilentCue(images.path(), "bench", kTracks, 3, true);
     SetDiscDriveLocator([cue] { return cue; });
     SetMsgBoxResponder(
         [](const MsgBoxCall& call) -> int { throw VbError(0, "unexpected box: " + call.prompt); });

@@ -5,6 +5,11 @@
 #include <QString>
 #include <vector>
 
+// Writes name.cue over a sparse name.bin of silence into folder: tracks tracks starting
+// minutesApart minutes apart, with CD-Text (album, artist, "Song number N") when cdText.
+// Returns the cue sheet's path.
+QString WriteSilentCue(const QString& folder, const QString& name, int tracks, int minutesApart,
+                       bool cdText);
 // A new title on the audio platform in a fresh title editor over the running main window.
 void OpenNewAudioTitle();
 // A 20-track cue sheet with CD-Text read into a new title on the audio platform, through the

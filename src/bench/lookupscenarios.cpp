@@ -1,5 +1,7 @@
 #include "bench/lookupscenarios.h"
 
+#include "bench/discscenarios.h"
+
 #include <QApplication>
 #include <QComboBox>
 #include <QCoreApplication>
@@ -77,22 +79,6 @@ class DatabaseServer : public QObject {
     QHash<QTcpSocket*, QByteArray> request_;
 };
 
-QString MakePlainCue(const QString& folder) {
-    QByteArray cue = "FILE \"plain.bin\" BINARY\n";
-    for (int track = 0; track < kTracks; ++track)
-        cue += QString("  TRACK %1 AUDIO\n    INDEX 01 %2:00:00\n")
-                   .arg(track + 1, 2, 10, QChar('0'))
-                   .arg(track * 4, 2, 10, QChar('0'))
-                   .toUtf8();
-    QFile file(folder + "/plain.cue");
-    file.open(QIODevice::WriteOnly);
-    file.write(cue);
-    QFile bin(folder + "/plain.bin");
-    bin.open(QIODevice::WriteOnly);
-    bin.resize(qint64(kTracks * 4 * 60 * 75) * 2352);
-    return file.fileName();
-}
-
 QByteArray OneRelease(const QString& discId) {
     QByteArray tracks;
     for (int track = 1; track <= kTracks; ++track)
@@ -128,7 +114,7 @@ class PaintGaps : public QObject {
 
 std::vector<double> TimeLookupIntoEditor(const QString& folder, int runs) {
     QTemporaryDir images;
-    const QString cue = MakePlainCue(images.path());
+    const QString cue = WriteSilentCue(images.path(), "plain", kTracks, 4, false);
     AudioDisc disc;
     QString problem;
     OnlineDiscIds ids;

@@ -85,16 +85,15 @@ void frmEdit::LoadAddRoad() {
     setWindowTitle("Add Title");
     cmdOK->setText("&Add");
 
-    const MainWindow* main = TheMainWindow();
-    const QString key = main ? main->SelectedNodeKey() : QString();
+    const QString key = SelectedFolderKey();
     if (key.isEmpty() || key == "root") return;
 
     long platformId = 0;
     long typeId = 0;
-    const QString parentKey = main->ParentNodeKey(key);
+    const QString parentKey = ParentFolderKey(key);
     if (parentKey == "root") {
         platformId = Val(key.mid(3));
-    } else if (!parentKey.isEmpty() && main->ParentNodeKey(parentKey) == "root") {
+    } else if (!parentKey.isEmpty() && ParentFolderKey(parentKey) == "root") {
         platformId = Val(parentKey.mid(3));
         typeId = Val(key.mid(parentKey.size() + 3));
     }

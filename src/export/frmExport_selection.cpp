@@ -12,14 +12,9 @@
 
 namespace {
 
-QString ParentKey(const QString& key) {
-    const MainWindow* main = TheMainWindow();
-    return main ? main->ParentNodeKey(key) : QString();
-}
-
 bool IsTypeFolder(const QString& key) {
-    const QString parentKey = ParentKey(key);
-    return parentKey != "root" && ParentKey(parentKey) == "root";
+    const QString parentKey = ParentFolderKey(key);
+    return parentKey != "root" && ParentFolderKey(parentKey) == "root";
 }
 
 // The number behind a key's first three characters: a platform's id.
@@ -40,8 +35,7 @@ QString InClause(int platform) {
 
 bool frmExport::OpenExportTitles(int option) {
     // Without a main window (or a selection in it) the whole catalogue is the current folder.
-    const MainWindow* main = TheMainWindow();
-    const QString selected = main ? main->SelectedNodeKey() : QString();
+    const QString selected = SelectedFolderKey();
     const QString key = selected.isEmpty() ? QString("root") : selected;
     switch (option) {
         case 2:
@@ -62,10 +56,10 @@ void frmExport::OpenCurrentFolder(const QString& key) {
     if (key == "root") {
         GetViewSQL("platform", true, ExportRecordset, 0, 32767, QString());
     } else if (IsTypeFolder(key)) {
-        const QString parentKey = ParentKey(key);
+        const QString parentKey = ParentFolderKey(key);
         GetViewSQL("platformtype", true, ExportRecordset, TypeId(key, parentKey), 0,
                    InClause(PlatformId(parentKey)));
-    } else if (ParentKey(key) == "root") {
+    } else if (ParentFolderKey(key) == "root") {
         if (key != "search")
             GetViewSQL("platform", true, ExportRecordset, 0, 32767, InClause(PlatformId(key)));
         else if (!gSearchSQL.isEmpty())
@@ -81,8 +75,9 @@ bool frmExport::OpenCurrentPlatform(const QString& key) {
             return false;
         GetViewSQL("platform", true, ExportRecordset, 0, 32767, QString());
     } else if (IsTypeFolder(key)) {
-        GetViewSQL("platform", true, ExportRecordset, 0, 0, InClause(PlatformId(ParentKey(key))));
-    } else if (ParentKey(key) == "root") {
+        GetViewSQL("platform", true, ExportRecordset, 0, 0,
+                   InClause(PlatformId(ParentFolderKey(key))));
+    } else if (ParentFolderKey(key) == "root") {
         if (key == "search")
             GetViewSQL("search", true, ExportRecordset, 0, 0, QString());
         else

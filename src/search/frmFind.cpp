@@ -45,16 +45,6 @@ const std::array<TextBoxDesign, 8> kTextBoxes{{
 const char* const kTrackNameTag = "TrackName";
 const char* const kTagProperty = "Tag";
 
-QString SelectedKey() {
-    const MainWindow* main = TheMainWindow();
-    return main ? main->SelectedNodeKey() : QString();
-}
-
-QString ParentKey(const QString& key) {
-    const MainWindow* main = TheMainWindow();
-    return main && !key.isEmpty() ? main->ParentNodeKey(key) : QString();
-}
-
 // Enter and Escape, the two keys the window's boxes answer.
 bool IsEnter(const QKeyEvent* key) {
     return key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
@@ -185,7 +175,7 @@ void frmFind::Form_Activate() {
     DoEvents();
     Text1[0]->setFocus();
 
-    const bool searchNodeSelected = SelectedKey() == "search";
+    const bool searchNodeSelected = SelectedFolderKey() == "search";
     if (searchNodeSelected) Option1[2]->setChecked(true);
     Option1[0]->setEnabled(!searchNodeSelected);
     Option1[1]->setEnabled(!searchNodeSelected);
@@ -195,9 +185,9 @@ void frmFind::cmdSearch_Click() {
     gViewSQL = kBaseStatement;
     bool searchNodeChosen = false;
 
-    const QString key = SelectedKey();
-    const QString parentKey = ParentKey(key);
-    const QString grandparentKey = ParentKey(parentKey);
+    const QString key = SelectedFolderKey();
+    const QString parentKey = ParentFolderKey(key);
+    const QString grandparentKey = ParentFolderKey(parentKey);
 
     if (Option1[0]->isChecked()) {
         if (key == "root") {

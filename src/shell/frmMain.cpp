@@ -27,6 +27,14 @@ MainWindow* TheMainWindow() {
     return gMainForm;
 }
 
+QString SelectedFolderKey() {
+    return gMainForm ? gMainForm->SelectedNodeKey() : QString();
+}
+
+QString ParentFolderKey(const QString& key) {
+    return gMainForm && !key.isEmpty() ? gMainForm->ParentNodeKey(key) : QString();
+}
+
 namespace {
 // The list's and the tree's pale cream background.
 const QColor kViewBackground(0xFE, 0xF8, 0xE0);

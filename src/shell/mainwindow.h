@@ -32,3 +32,7 @@ class MainWindow {
 
 // The running main window; null before the program made it and once it is on its way out.
 MainWindow* TheMainWindow();
+
+// The selected folder's key, and the key of the folder above key; empty without a main window.
+QString SelectedFolderKey();
+QString ParentFolderKey(const QString& key);

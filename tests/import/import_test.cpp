@@ -57,6 +57,14 @@ class ImportTest : public QObject {
     std::unique_ptr<TempProgramFolder> folder;
     std::unique_ptr<QTemporaryDir> prefix;
 
+    // The Windows default CD player's file in the Wine prefix; returns its path.
+    QString WriteCdPlayerIni(const QByteArray& bytes) {
+        QDir().mkpath(prefix->path() + "/drive_c/windows");
+        const QString ini = prefix->path() + "/drive_c/windows/cdplayer.ini";
+        WriteBytes(ini, bytes);
+        return ini;
+    }
+
   private slots:
     void init() {
         prefix = std::make_unique<QTemporaryDir>();
@@ -177,13 +185,11 @@ class ImportTest : public QObject {
 
     void cdplayerIniSectionsBecomeAudioTitles() {
         ScriptedDialogs dialogs;
-        QVERIFY(QDir().mkpath(prefix->path() + "/drive_c/windows"));
-        const QString ini = prefix->path() + "/drive_c/windows/cdplayer.ini";
-        WriteBytes(ini,
-                   "[CDDB]\r\nversion=1\r\n[1A2B]\r\nartist=Caf\xe9 Band\r\ntitle=First\r\n"
-                   "numtracks=3\r\n1=Named\r\n[FFFFFFFF]\r\nartist=Caf\xe9 Band\r\ntitle=Minus\r\n"
-                   "numtracks=1\r\n0=Only\r\n[77]\r\ntitle=No count\r\n[1a2b]\r\ntitle=Twice\r\n"
-                   "numtracks=1\r\n");
+        const QString ini = WriteCdPlayerIni(
+            "[CDDB]\r\nversion=1\r\n[1A2B]\r\nartist=Caf\xe9 Band\r\ntitle=First\r\n"
+            "numtracks=3\r\n1=Named\r\n[FFFFFFFF]\r\nartist=Caf\xe9 Band\r\ntitle=Minus\r\n"
+            "numtracks=1\r\n0=Only\r\n[77]\r\ntitle=No count\r\n[1a2b]\r\ntitle=Twice\r\n"
+            "numtracks=1\r\n");
         frmImport window;
         window.Form_Load();
         QVERIFY(window.Check1[0]->isEnabled());
@@ -233,12 +239,10 @@ class ImportTest : public QObject {
 
     void overwritingKeepsThePreviousDiscsVendor() {
         ScriptedDialogs dialogs;
-        QVERIFY(QDir().mkpath(prefix->path() + "/drive_c/windows"));
-        const QString ini = prefix->path() + "/drive_c/windows/cdplayer.ini";
-        WriteBytes(ini,
-                   "[A1]\r\nartist=Band\r\ntitle=One\r\nnumtracks=1\r\n"
-                   "[B2]\r\nartist=O'Brien\r\ntitle=Two\r\nnumtracks=1\r\n"
-                   "[C3]\r\nartist=Other\r\ntitle=Three\r\nnumtracks=1\r\n");
+        const QString ini = WriteCdPlayerIni(
+            "[A1]\r\nartist=Band\r\ntitle=One\r\nnumtracks=1\r\n"
+            "[B2]\r\nartist=O'Brien\r\ntitle=Two\r\nnumtracks=1\r\n"
+            "[C3]\r\nartist=Other\r\ntitle=Three\r\nnumtracks=1\r\n");
         gDatabase->Execute(
             "insert into title (nmcd, nrcds, idvendor, idplatform, idtype, idspecific, "
             "idmediatype, TitleID) values ('Old', 1, 1, 1, 1, 1, 1, 178)");
