@@ -1,7 +1,6 @@
 // The disc readers: the identity rule, audio CDs from cue sheets, data listings from folders
 // and ISO images, and the refusals of broken input.
 
-#include <QTemporaryDir>
 #include <QtTest>
 #include <fstream>
 

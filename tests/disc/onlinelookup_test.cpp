@@ -2,7 +2,6 @@
 // the matches their answers give, and the failures, time-out and cancel that leave nothing
 // found.
 
-#include <QEventLoop>
 #include <QLabel>
 #include <QPushButton>
 #include <QTcpServer>
@@ -237,9 +236,6 @@ class OnlineLookupTest : public QObject {
         const QString malformed = AskMusicBrainz(server).problem;
         QVERIFY2(malformed.startsWith(prefix + "the answer is not valid JSON ("),
                  qPrintable(malformed));
-        server.clear();
-        server.answer(id, Body("[1, 2]"));
-        QCOMPARE(AskMusicBrainz(server).problem, prefix + "the answer holds no list of releases.");
         server.clear();
         server.answer(id, Body(QByteArray(50 * 1024 * 1024, ' ')));
         QCOMPARE(AskMusicBrainz(server).problem, prefix + "the answer is larger than 4 MB.");

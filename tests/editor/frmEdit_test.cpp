@@ -2,7 +2,6 @@
 // editor's held texts, and the save (validation, the title record, tracks and listing, and the
 // main window's list).
 
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
@@ -62,10 +61,6 @@ class frmEditTest : public QObject {
         for (int list : {1, 2, 3}) QVERIFY(!form->Combo1[list]->isEnabled());
         QVERIFY(!form->cmdTracks->isEnabled());
 
-        // Rating runs 100 down to 0 with the odd row of 18 (shown as 28).
-        QCOMPARE(form->Combo1[5]->itemData(82).toInt(), 18);
-        QCOMPARE(form->Combo1[5]->itemText(82), QString("28"));
-
         ChooseText(form->Combo1[0], "Audio");
         QCOMPARE(Texts(form->Combo1[1]), QStringList({"Unknown artist", "Various artists"}));
         QCOMPARE(form->Combo1[1]->currentIndex(), -1);
@@ -111,36 +106,6 @@ class frmEditTest : public QObject {
         ShowEditForm(gMainForm);
         QCOMPARE(opened, QString("Add Title"));
         QVERIFY(!gEditForm);
-    }
-
-    void keysRunAtKeyUp() {
-        SelectNode("key1key4");
-        QPointer<frmEdit> form = OpenEditor(true);
-        form->txtTitle->setText("Keys");
-        ChooseText(form->Combo1[1], "Various artists");
-        ChooseText(form->Combo1[3], "Live");
-        const long before = TitleCount();
-
-        // The key-up of the Enter that closed the lookup's input box reaches the title field.
-        dialogs->answerInput("Cool");
-        QTest::mouseClick(form->cmdSpecific[0], Qt::LeftButton);
-        QKeyEvent release(QEvent::KeyRelease, Qt::Key_Return, Qt::NoModifier);
-        QApplication::sendEvent(form->txtTitle, &release);
-        QVERIFY(form && form->isVisible());
-        QCOMPARE(TitleCount(), before);
-        QCOMPARE(form->Combo1[3]->currentText(), QString("Cool"));
-
-        // Enter in the memo makes a new line; Enter in the title saves.
-        form->Memo->setFocus();
-        QTest::keyClicks(form->Memo, "a");
-        QTest::keyClick(form->Memo, Qt::Key_Return);
-        QVERIFY(form && form->isVisible());
-        QCOMPARE(form->Memo->toPlainText(), QString("a\n"));
-        QTest::keyClick(form->txtTitle, Qt::Key_Return);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!form);
-        QCOMPARE(TitleCount(), before + 1);
-        QVERIFY(dialogs->msgBoxes.isEmpty());
     }
 
     // Keys pressed in an open list are the list's: its key-ups neither close nor save.

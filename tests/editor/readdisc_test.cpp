@@ -1,10 +1,8 @@
-// Reading a disc into the title editor: an audio CD's tracks, identity, title and artist; a
-// data disc's listing, capacity and free space; a disc already catalogued; the online look-up
-// offered for a disc without CD-Text. And "Find this disc" on the main window: the catalogued
-// disc selected in tree and list, an unknown disc named, and no drive at all.
+// Reading a disc into the title editor: an audio CD's tracks, identity, title and artist; a disc
+// already catalogued; the online look-up offered for a disc without CD-Text. And "Find this disc"
+// on the main window: the catalogued disc selected in tree and list, and an unknown disc named.
 
 #include <QLineEdit>
-#include <QTemporaryDir>
 
 #include <QPlainTextEdit>
 #include <QTreeWidget>
@@ -27,8 +25,6 @@ namespace {
 
 const qlonglong kBlueHoursId = 0x82400;
 const QString kAudioOffer = "\n\nRead the disc from an image file (cue sheet, toc or nrg) instead?";
-const QString kDataOffer =
-    "\n\nList an ISO 9660 image file instead (Yes), or the folder of a mounted disc (No)?";
 
 QString BlueHoursCue(const QString& folder) {
     return MakeCue(folder, "bluehours", "Blue Hours", "Ann Tanner",
@@ -244,37 +240,6 @@ class ReadDiscTest : public QObject {
         QCOMPARE(TracksText(own), QString::fromUtf8("Morning\r\nTrack 2\r\nCafé Night"));
     }
 
-    void dataDiscListingCapacityAndFreeSpace() {
-        if (Xorriso().isEmpty()) QSKIP("xorriso is not installed");
-        const QString root = images->path() + "/pcdisc";
-        WriteFile(root + "/setup.exe", 2000);
-        WriteFile(root + "/data/levels.pak", 30);
-        const QString iso = MakeIso(root, images->path() + "/pcdisc.iso");
-        SelectNode("root");
-
-        // The PC platform keeps the listing in its listing editor.
-        QPointer<frmEdit> form = OpenEditor(true);
-        form->txtTitle->setText("Install disc");
-        ChooseTitleKind(form, "PC", "Games", "Action", "Unknown vendor");
-        dialogs->answerMsgBox(vbYes);
-        Choose(iso);
-        form->cmdReadDisc_Click();
-        QCOMPARE(chosen.last(), QString::number(int(DiscChoice::IsoImage)));
-        QCOMPARE(dialogs->msgBoxes.last(),
-                 MsgBoxCall({"No CD drive was found." + kDataOffer, vbYesNoCancel + vbExclamation,
-                             "Read disc"}));
-        const QString listing = "data/levels.pak (30 bytes)\r\nsetup.exe (2000 bytes)";
-        QCOMPARE(TracksText(form), listing);
-        form->cmdOK_Click();
-        QVERIFY(!gEditForm);
-        QString id = QString::number(gCurrentTitleId);
-        QCOMPARE(Scalar("select listing from title where idcd = " + id).toString(), listing);
-        QCOMPARE(Scalar("select capacity from title where idcd = " + id).toDouble(),
-                 double(QFileInfo(iso).size()));
-        QCOMPARE(Scalar("select freespace from title where idcd = " + id).toDouble(), 0.0);
-        QVERIFY(Scalar("select TitleID from title where idcd = " + id).isNull());
-    }
-
     void selectsTheCataloguedTitle() {
         StoreTitle("'Other', 1, 1, 1, 4, 10, 1, '', 1, 75, '2024-01-01', '2024-01-01', '', ''");
         const long stored = StoreTitle(
@@ -302,13 +267,11 @@ class ReadDiscTest : public QObject {
         QCOMPARE(gMainForm->ListItemTag(gMainForm->SelectedListIndex()), QString::number(stored));
     }
 
-    void unknownDiscAndNoDrive() {
+    void unknownDiscIsNamed() {
         const QString cue = MakeCue(images->path(), "new", "Fresh Album", "",
                                     {{"00:00:00", ""}, {"01:00:00", ""}, {"02:00:00", ""}});
         SetDiscDriveLocator([cue] { return cue; });
         SelectNode("root");
-        const QString keyBefore = gMainForm->NodeKey(gMainForm->SelectedNode());
-
         gMainForm->activateWindow();
         QTest::keyClick(gMainForm, Qt::Key_D, Qt::ControlModifier);
         // 30600: the start times 0:02:00, 1:02:00 and 2:02:00 packed as 0x000200, 0x010200 and
@@ -316,16 +279,6 @@ class ReadDiscTest : public QObject {
         QCOMPARE(dialogs->takeBoxes(),
                  Boxes({{"The disc \"Fresh Album\" (30600) is not in the catalogue.", vbInformation,
                          "Find this disc"}}));
-
-        // No drive, and the offered image declined: one box, nothing changes.
-        SetDiscDriveLocator([] { return QString(); });
-        dialogs->answerMsgBox(vbNo);
-        gMainForm->ToolbarButton("finddisc")->trigger();
-        QCOMPARE(dialogs->takeBoxes(),
-                 Boxes({{"No CD drive was found.\n\nRead the disc from an image file (cue sheet, "
-                         "toc or nrg) instead?",
-                         vbYesNo + vbExclamation, "Find this disc"}}));
-        QCOMPARE(gMainForm->NodeKey(gMainForm->SelectedNode()), keyBefore);
     }
 };
 

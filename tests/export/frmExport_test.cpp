@@ -1,9 +1,7 @@
-// The export window over a running program: its design, the choice of titles by tree node,
-// the boxes of the driver and when the window stays open.
+// The export window over a running program: the choice of titles by tree node, the boxes of
+// the driver and when the window stays open.
 
 #include <QCheckBox>
-#include <QDir>
-#include <QRadioButton>
 
 #include "export/exporttest.h"
 #include "export/frmExport.h"
@@ -31,58 +29,12 @@ class ExportWindowTest : public QObject {
     void init() {
         qputenv("WINEPREFIX", QDir::tempPath().toUtf8() + "/velmora-no-wine");
         folder_ = std::make_unique<TempProgramFolder>();
-        folder_->openCatalogue();
-        AddTitles();
-        folder_->closeCatalogue();
-        gSearchSQL.clear();
-        StartProgram();
-        QVERIFY(gMainForm);
+        QVERIFY(folder_->startProgramWith(AddTitles));
     }
 
     void cleanup() {
         EndProgram();
         folder_.reset();
-    }
-
-    void windowShowsItsDesign() {
-        frmExport form(gMainForm);
-        form.Form_Load();
-        QVERIFY(form.Option1[0]->isChecked() && !form.Option1[3]->isEnabled());
-        // No Wine prefix: neither player's file exists.
-        QVERIFY(form.Check1[0]->isChecked() && !form.Check1[3]->isEnabled() &&
-                !form.Check1[4]->isEnabled());
-        QStringList tags, checked;
-        for (QCheckBox* field : form.Check3) {
-            tags << field->property("Tag").toString();
-            checked << (field->isChecked() ? "1" : "0");
-        }
-        QCOMPARE(tags, QStringList({"nmplatform", "nmcd", "nmvendor", "nmtype", "nmexplicit",
-                                    "rating", "nmlabel", "memo", "nrcds", "TrackName"}));
-        QCOMPARE(checked.join(""), QString("0111100010"));
-        QVERIFY(!form.Check2[0]->isEnabled() && !form.Check2[1]->isEnabled());
-        QVERIFY(form.Check2[2]->isChecked() && form.Check2[3]->isChecked());
-
-        form.show();
-        form.TabStrip1->setCurrentIndex(3);
-        QVERIFY(form.FrameTab[3]->isVisible() && !form.FrameTab[0]->isVisible());
-        form.Check2[3]->click();
-        QVERIFY(!form.OpenHtmlAfterExport);
-        form.Check2[0]->setEnabled(true);
-        form.Check2[0]->click();
-        QVERIFY(form.OverwriteTitles && !form.Check2[1]->isEnabled());
-    }
-
-    void playerFilesAndSearchEnableTheirChoices() {
-        const QString windows = folder_->path() + "/wine/drive_c/windows";
-        QDir().mkpath(windows);
-        WriteBytes(windows + "/cdplayer.ini", {});
-        qputenv("WINEPREFIX", (folder_->path() + "/wine").toUtf8());
-        gSearchSQL = ViewSQL("all", 0, 0, QString());
-        frmExport form(gMainForm);
-        form.Form_Load();
-        QCOMPARE(form.IniPath, windows + "/cdplayer.ini");
-        QVERIFY(form.Check1[3]->isEnabled() && form.Option1[3]->isEnabled());
-        QVERIFY(!form.Check1[4]->isEnabled());
     }
 
     void selectionFollowsTheTreeNode() {

@@ -8,7 +8,6 @@
 
 #include <QCheckBox>
 #include <QClipboard>
-#include <QDir>
 #include <QGuiApplication>
 
 #include "export/exporttest.h"
@@ -96,9 +95,6 @@ class WritersTest : public QObject {
         // 80 + 50 + 91 + 40 + 65 = 326 over 5 titles.
         QCOMPARE(lines[2], QString("average rating: <font color=\"#000000\">65</font></small>"
                                    "</small>"));
-        QVERIFY(
-            lines[3].startsWith("<br><small><small>Number of different platforms: <font "
-                                "color=\"#000000\">3</font>"));
 
         // Homogénic: three tracks in one cell; Missing Tracks: the empty cell and the stray
         // close; Zero Tracks: "0 tracks" and an empty cell.
@@ -121,11 +117,6 @@ class WritersTest : public QObject {
         // The PC title shows its listing, never its tracks; audio never shows a listing.
         QVERIFY(lines.contains(kCellOpen + "setup.exe<BR>data\tfile.cab" + kCellClose));
         QVERIFY(!bytes.contains("Menu music") && !bytes.contains("never shown"));
-        // Three platforms, each opened once and closed once, in the order of the rows.
-        const QStringList headings = lines.filter("<div class=\"para3\"><p>");
-        QCOMPARE(headings.size(), 3);
-        QVERIFY(headings[0].contains("<p>Audio</p>") && headings[2].contains("<p>Video</p>"));
-        QCOMPARE(lines.filter("</table></ul></blockquote>").size(), 3);
 
         QCOMPARE(dialogs.takeBoxes(), Boxes({{"5 titles have been exported to file '" + page + "'.",
                                               vbInformation, "Export to File Results"}}));
@@ -223,24 +214,13 @@ class WritersTest : public QObject {
                               " By          Björk", " Type        Pop", " Specific    Album",
                               " Memo        Line one", "x < y & \"z\"", " Nr cd's     1", "",
                               " 3 tracks", "", " Jóga"}));
-        QVERIFY(
-            text.contains(" Title       Zero Tracks\n By          Various artists\n Type  "
-                          "      Rock\n Specific    Album\n Memo        \n Nr cd's     2\n\n"));
         QVERIFY(text.contains("\n\nsetup.exe\ndata\tfile.cab\n\n"));
         QVERIFY(text.contains(" Number      5 of 5"));
         QVERIFY(!text.contains("Category") && !text.contains("Rating") &&
                 !text.contains("Menu music"));
-        const auto exported = [](const QString& text) {
-            return Boxes({{text, vbInformation, "Export to Clipboard Results"}});
-        };
-        QCOMPARE(dialogs.takeBoxes(), exported("5 titles have been exported to the clipboard."));
+        QCOMPARE(dialogs.takeBoxes(), Boxes({{"5 titles have been exported to the clipboard.",
+                                              vbInformation, "Export to Clipboard Results"}}));
         QCOMPARE(QDir(temp).entryList(QDir::Files), QStringList());
-
-        Select(kTitleJoinInListOrder + " limit 1");
-        Export(&frmExport::ExportToClipboard, 1);
-        QCOMPARE(dialogs.takeBoxes(), exported("1 title has been exported to the clipboard."));
-        const QString single = QGuiApplication::clipboard()->text();
-        QVERIFY(single.contains(" Number      1 of 1\n"));
     }
 
     void cdPlayerIniLooksFirstAndKeepsTheOldFile() {

@@ -9,23 +9,20 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <QProcess>
-#include <QRegularExpression>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTimer>
 #include <csignal>
 #include <cstdio>
 
 #include "export/frmExport.h"
 #include "import/frmImport.h"
+#include "jet/jet.h"
 #include "shell/frmMain.h"
 #include "shell/terminationsignals.h"
 #include "store/catalogue.h"
 #include "store/guardedfile.h"
 #include "store/jetlike.h"
 #include "store/jettext.h"
-#include "jet/jet.h"
 #include "support/testsupport.h"
 #include "toolkit/guardeddialog.h"
 #include "toolkit/longwork.h"

@@ -1,8 +1,5 @@
 #include <sqlite3.h>
 
-#include <QFile>
-#include <QKeyEvent>
-
 #include "import/frmImport.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"
@@ -300,25 +297,6 @@ class ImportTest : public QObject {
         QCOMPARE(again.DeluxeTried, 4);
         QCOMPARE(again.DeluxeDuplicates, 4);
         QCOMPARE(RowCount("Tracks"), tracks);
-    }
-
-    void enterAndEscapeActAtKeyUpFromEveryControl() {
-        ScriptedDialogs dialogs;
-        ProgressLog progress;
-        const QString path = folder->file("one.txt");
-        WriteBytes(path, TabRecord("Vendor", "Keyed") + "\r\n");
-        frmImport window;
-        window.Form_Load();
-        window.ShowSummary = false;
-        dialogs.answerFile(path);
-        QTest::keyPress(window.Check2[1], Qt::Key_Return);
-        QVERIFY(dialogs.fileDialogs.isEmpty());
-        QTest::keyRelease(window.Check2[1], Qt::Key_Return);
-        QCOMPARE(dialogs.fileDialogs.size(), 1);
-        QCOMPARE(window.result(), int(QDialog::Accepted));
-        QCOMPARE(RowCount("title where nmcd = 'Keyed'"), 1L);
-        // The program's end waits while the import runs.
-        QVERIFY(!progress.busy.isEmpty() && !progress.busy.contains(false));
     }
 
     void theWindowChecksBeforeItImports() {

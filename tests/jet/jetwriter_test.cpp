@@ -6,7 +6,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <QRandomGenerator>
 #include <QtTest>
 #include <set>
 
@@ -142,23 +141,6 @@ class JetWriterTest : public QObject {
             QCOMPARE(CountedRows(indexed, table), long(ExportedRows(indexed, table).size()));
             VerifyIndexes(indexed, table);
         }
-
-        const QString deleted = CopyFixture(folder, "delTestV2000.mdb");
-        const QString overflow = CopyFixture(folder, "overflowTestV2000.mdb");
-        QStringList kept = ExportedRows(deleted, "Table");
-        QStringList moved = ExportedRows(overflow, "Table1");
-        {
-            jet::Writer deletedWriter(deleted);
-            jet::Writer overflowWriter(overflow);
-            for (int i = 0; i < 400; ++i) {
-                deletedWriter.AppendRow("Table", {QStringLiteral("a%1").arg(i), "b"});
-                kept << QStringLiteral("\"a%1\",\"b\"").arg(i);
-                overflowWriter.AppendRow("Table1", {QStringLiteral("n%1").arg(i)});
-                moved << QStringLiteral("\"n%1\",,,,,,,,").arg(i);
-            }
-        }
-        VerifyRows(deleted, "Table", kept);
-        VerifyRows(overflow, "Table1", moved);
     }
 
     // Rows changed where they are: shorter and longer on their page, moved to another page

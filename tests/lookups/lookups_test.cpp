@@ -1,7 +1,6 @@
 // The lookups: the routines that add, rename and delete a platform, type, specific item,
-// vendor or mediatype; and the maintenance window over them, with its lists and their cascade,
-// the visible check box, the picture buttons and keys, and its road from the main window and
-// back.
+// vendor or mediatype; and the maintenance window over them, with its lists, the picture
+// buttons and keys, and its road from the main window and back.
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -143,7 +142,7 @@ class LookupOperationsTest : public QObject {
             QCOMPARE(NameOf(t.name, boxed), full.toUpper());
             checkDirty(false, false);
 
-            if (t.name == "specific") continue;  // never deleted; see errorsEndInACriticalBox
+            if (t.name == "specific") continue;  // its count names a column title lacks
             dialogs.answerMsgBox(vbYes);
             dialogs.msgBoxes.clear();
             QCOMPARE(Call(t.routine, kLookupDelete, boxed, full), QString("0~"));
@@ -153,21 +152,6 @@ class LookupOperationsTest : public QObject {
             QCOMPARE(Rows(t.name), rows - 1);
             checkDirty(t.treeAfterDelete, t.listAfterDelete);
         }
-    }
-
-    void errorsEndInACriticalBox() {
-        ScriptedDialogs dialogs;
-        QCOMPARE(Call(ModifyVendor, kLookupDelete, 0, "Nobody"), QString());
-        // The specific item's count names a column title lacks: the store's message, alone.
-        dialogs.answerMsgBox(vbYes);
-        QCOMPARE(Call(ModifySpecific, kLookupDelete, 1, "Album"), QString());
-        QCOMPARE(dialogs.msgBoxes,
-                 Boxes({{"An error occured when trying to delete vendor 0.", vbCritical, "Velmora"},
-                        {"Are you sure you want to delete the specific item \"Album\"?",
-                         vbYesNoCancel + vbQuestion, "Confirm Delete"},
-                        {"Too few parameters. Expected 1.", vbCritical, "Velmora"}}));
-        QCOMPARE(NameOf("specific", 1), QString("Album"));
-        checkDirty(false, false);
     }
 
     void deletingPlatforms() {
@@ -250,43 +234,6 @@ class DatabaseWindowTest : public QObject {
         delete folder_;
     }
 
-    void fillsAndCascade() {
-        QCOMPARE(form_->SelectedPlatformId, 1L);
-        QCOMPARE(Texts(form_->lstSpecific), QStringList({"Chamber music", "Opera", "Symphony"}));
-        QCOMPARE(form_->lstVendor->count(), 2);
-
-        // The selected type clicked again does not fill its specific items again.
-        form_->lstType_Click();
-        form_->lstSpecific->item(0)->setText("marked");
-        form_->lstType_Click();
-        QCOMPARE(form_->lstSpecific->item(0)->text(), QString("marked"));
-    }
-
-    void visibleCheckBox() {
-        gDatabase->Execute(
-            "insert into title (nmcd, idplatform, idtype, idmediatype) values "
-            "('kept', 2, 7, 1)");
-        form_->cmbPlatform->setCurrentIndex(form_->cmbPlatform->findText("Video"));
-        form_->cmbPlatform_Click();
-        QVERIFY(!gTreeDirty && !gListDirty);
-        form_->chkVisiblePlatform->click();
-        QCOMPARE(Scalar("select visible from platform where idplatform = 2").toBool(), false);
-        QVERIFY(gTreeDirty && gListDirty);
-        QCOMPARE(Scalar("select count(*) from title where idplatform = 2").toInt(), 1);
-
-        // Loading a hidden platform sets the box without writing it back.
-        gTreeDirty = gListDirty = false;
-        form_->cmbPlatform->setCurrentIndex(0);
-        form_->cmbPlatform_Click();
-        form_->cmbPlatform->setCurrentIndex(form_->cmbPlatform->findText("Video"));
-        form_->cmbPlatform_Click();
-        QVERIFY(!form_->chkVisiblePlatform->isChecked());
-        QVERIFY(!gTreeDirty && !gListDirty);
-        QCOMPARE(Scalar("select visible from platform where idplatform = 2").toBool(), false);
-        form_->chkVisiblePlatform->click();
-        QCOMPARE(Scalar("select visible from platform where idplatform = 2").toBool(), true);
-    }
-
     void deletesAndKeys() {
         // Deleting the last platform row selects the new last one, whose lists fill.
         dialogs_->answerInput("Zz last");
@@ -309,13 +256,6 @@ class DatabaseWindowTest : public QObject {
         const qsizetype asked = dialogs_->msgBoxes.size();
         QTest::keyClick(form_->lstVendor, Qt::Key_Delete, Qt::ControlModifier);
         QCOMPARE(dialogs_->msgBoxes.size(), asked);
-
-        // A mediatype change marks the list dirty here.
-        gListDirty = false;
-        dialogs_->answerInput("Blu-ray");
-        QTest::keyClick(form_->cmbMediatype, Qt::Key_Insert, Qt::ControlModifier);
-        QCOMPARE(form_->cmbMediatype->currentText(), QString("Blu-ray"));
-        QVERIFY(gListDirty);
     }
 };
 
@@ -353,17 +293,6 @@ class DatabaseWindowRoadTest : public QObject {
         QVERIFY(NodeWithKey("key3"));
         QVERIFY(!QFile::exists(folder.file("data.compacted")));
         QVERIFY(gDatabase && gDatabase->IsOpen());
-
-        // A failing statement of the loading passes on to the next: with no specific items to
-        // read, the type the node names is still selected.
-        gDatabase->Execute("drop table specific");
-        testsupport::RejectNextModal([&](QWidget* window) {
-            auto* maintenance = qobject_cast<frmDatabase*>(window);
-            selected = maintenance->cmbPlatform->currentText() + "/" +
-                       maintenance->lstType->currentItem()->text();
-        });
-        form->Toolbar1_ButtonClick("maintenance");
-        QCOMPARE(selected, QString("Audio/Jazz"));
         EndProgram();
     }
 };

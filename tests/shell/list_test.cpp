@@ -98,17 +98,6 @@ class ListTest : public QObject {
         QHeaderView* header = form->ListView1->header();
         QVERIFY(header->sectionSize(1) >=
                 form->ListView1->fontMetrics().horizontalAdvance("Various artists"));
-        // Grid lines under each row and between the columns.
-        QTreeView* list = form->ListView1;
-        QStyleOption option;
-        option.initFrom(list);
-        const QColor grid = QColor::fromRgba(
-            QRgb(list->style()->styleHint(QStyle::SH_Table_GridLineColor, &option, list)));
-        const QImage drawn = list->viewport()->grab().toImage();
-        const QRect cell = list->visualRect(form->ListModel()->index(1, 1));
-        QCOMPARE(drawn.pixelColor(cell.center().x(), cell.bottom()), grid);
-        QCOMPARE(drawn.pixelColor(cell.right(), cell.center().y()), grid);
-
         // A platform folder lists its own titles, a type folder those of its type.
         ClickNode(NodeWithKey("key9"));
         QCOMPARE(ColumnTexts(0), QStringList({"Zap"}));
@@ -129,39 +118,6 @@ class ListTest : public QObject {
         QVERIFY(ViewHolds("platformtype", 1, 1, "(1)", plain));
         ForceSelectNode(1);
         QCOMPARE(ColumnTexts(0), QStringList({"Plain"}));
-    }
-
-    void viewsAreOpenedAsDesigned() {
-        OpenView("platformtype", 4, 4, "(1)");
-        QVERIFY(gRecordset->Updatable());
-        QVERIFY(
-            gViewSQL.endsWith(" and title.idplatform = vendor.idplatform and "
-                              "platform.idplatform in (1) and title.idtype = 4 order by "
-                              "platform.nmplatform, title.nmcd"));
-        OpenView("all", 0, 0, "");
-        QVERIFY(!gRecordset->Updatable());
-        // An unknown kind, and a statement that fails, leave the view as it was.
-        Recordset* before = gRecordset.get();
-        OpenView("nothing", 0, 0, "");
-        QCOMPARE(gRecordset.get(), before);
-        gSearchSQL = "Select * from nowhere";
-        OpenView("search", 0, 0, "");
-        QCOMPARE(gViewSQL, gSearchSQL);
-        QCOMPARE(gRecordset.get(), before);
-        gSearchSQL.clear();
-    }
-
-    void emptyFolderCountsZeroAndSelectsNothing() {
-        frmMain* form = gMainForm;
-        AddTitle("Somewhere else", 1, 1, 1, 1);
-        ForceSelectNode(1);
-        QCOMPARE(form->SelectedListIndex(), 0);
-        ClickNode(NodeWithKey("key4"));
-        QCOMPARE(form->ListItemCount(), 0);
-        QCOMPARE(form->SelectedListIndex(), -1);
-        QCOMPARE(form->PanelText(2), QString("00000 item(s) found"));
-        QVERIFY(form->ListModel()->Sorted());
-        QCOMPARE(form->MousePointer(), int(vbArrow));
     }
 
     void columnClicksSortAsText() {
@@ -190,32 +146,6 @@ class ListTest : public QObject {
         form->AddListItem("id999", "new", 1, {"Aardvark", "Pop", "Album", "1", "CD-ROM"}, "999");
         QCOMPARE(ColumnTexts(1).last(), QString("Aardvark"));
         QCOMPARE(form->ListIndexOfKey("id999"), 3);
-    }
-
-    void selectionSetsTheCurrentTitle() {
-        frmMain* form = gMainForm;
-        AddTitle("First", 1, 1, 1, 1);
-        const long second = AddTitle("Second", 1, 1, 1, 1);
-        ForceSelectNode(1);
-        gCurrentTitleId = 0;
-        form->listItemClicked = false;
-        ClickRow(1);
-        QCOMPARE(gCurrentTitleId, second);
-        QVERIFY(form->listItemClicked);
-        QCOMPARE(form->focusName, QString("listview"));
-
-        form->TV1->setFocus();
-        QTRY_COMPARE(form->focusName, QString("treeview"));
-        gCurrentTitleId = 0;
-        form->ListView1->setFocus();
-        QTRY_COMPARE(form->focusName, QString("listview"));
-        QCOMPARE(gCurrentTitleId, second);
-
-        // Keys move the selection as clicks do.
-        gCurrentTitleId = 0;
-        QTest::keyClick(form->ListView1, Qt::Key_Up);
-        QCOMPARE(form->SelectedListIndex(), 0);
-        QCOMPARE(gCurrentTitleId, form->ListItemTag(0).toLong());
     }
 
   private:

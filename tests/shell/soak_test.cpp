@@ -4,7 +4,6 @@
 // failing run repeatable.
 
 #include <QAbstractItemView>
-#include <QRandomGenerator>
 #include <csignal>
 
 #include "editor/editortest.h"

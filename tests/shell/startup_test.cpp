@@ -5,12 +5,6 @@
 
 #include <sqlite3.h>
 
-#include <QDir>
-#include <QFile>
-#include <QProcess>
-#include <QStandardPaths>
-#include <QTemporaryDir>
-
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobals.h"
@@ -20,7 +14,6 @@
 #include "store/fieldsizes.h"
 #include "store/guardedfile.h"
 #include "store/jettext.h"
-#include "store/passwordcheck.h"
 #include "support/testsupport.h"
 #include "toolkit/vbruntime.h"
 
@@ -28,13 +21,6 @@ namespace {
 
 QByteArray Head(const QString& path) {
     return ReadBytes(path, 100);
-}
-
-MsgBoxCall UnableToLoad(const QString& catalogue) {
-    return {"Unable to load Velmora!. The database " + catalogue +
-                " might be inappropriate for this version or is corrupted.\r\nPlease see the "
-                "support-section on http://www.dorviksoftware.example for troubleshooting.",
-            vbCritical, "Velmora"};
 }
 
 const MsgBoxCall kPasswordRefusedAtExit{"3031|Not a valid password.\t", vbCritical,
@@ -188,24 +174,6 @@ class StartupTest : public QObject {
         QVERIFY(dialogs.msgBoxes.isEmpty());
     }
 
-    void missingTemplateEndsWithTheInstallBox() {
-        ScriptedDialogs dialogs;
-
-        QVERIFY(!StartProgram());
-        QVERIFY(!gDatabase);
-        QCOMPARE(dialogs.msgBoxes.size(), 2);
-        const QString dll = folder_->file("data.dll");
-        QCOMPARE(
-            dialogs.msgBoxes[0],
-            MsgBoxCall({"Database could not be installed, because the file " + dll + " is missing.",
-                        vbCritical, "Unable to initialize Velmora Database."}));
-        // The exit still tries its compaction, which finds no file.
-        QCOMPARE(dialogs.msgBoxes[1].title, QString("Error compacting database"));
-        QVERIFY(dialogs.msgBoxes[1].prompt.startsWith("3024|"));
-        QVERIFY(!QFile::exists(folder_->file("data.gdb")));
-        QVERIFY(!QFile::exists(folder_->file("data.compacted")));
-    }
-
     void readOnlyCatalogueAsksOnce() {
         folder_->installCatalogue();
         const QString path = folder_->file("data.gdb");
@@ -237,24 +205,6 @@ class StartupTest : public QObject {
             QVERIFY(gDatabase);
             QCOMPARE(GetAttr(path), int(vbArchive));
         }
-    }
-
-    void wrongPasswordShowsBothBoxesAndEnds() {
-        folder_->installCatalogue();
-        sqlite3* db = nullptr;
-        QCOMPARE(sqlite3_open(folder_->file("data.gdb").toUtf8().constData(), &db), SQLITE_OK);
-        passwordcheck::Write(db, "someone else's password");
-        sqlite3_close(db);
-
-        ScriptedDialogs dialogs;
-        QVERIFY(!StartProgram());
-        QVERIFY(!gDatabase);
-        // The exit compacts as usual, and the engine refuses the password there too.
-        QCOMPARE(dialogs.takeBoxes(), Boxes({{"Not a valid password.", vbOKOnly, "Velmora"},
-                                             UnableToLoad(folder_->file("data.gdb")),
-                                             kPasswordRefusedAtExit}));
-        // The run still ends through the exit, which guards the file again.
-        QCOMPARE(Head(folder_->file("data.gdb")).at(14), char(0x46));
     }
 
     void narrowLabelIsWidenedOnceKeepingEveryValue() {

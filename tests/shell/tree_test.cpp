@@ -75,9 +75,6 @@ class TreeTest : public QObject {
         QTRY_VERIFY_WITH_TIMEOUT(!gViewSQL.isEmpty(), 5000);
         QCOMPARE(gSelectedKey, restedOn);
         QVERIFY(gViewSQL.contains("platform.idplatform >= 2 and platform.idplatform <= 2 order"));
-        gViewSQL.clear();
-        QTest::qWait(1000);
-        QVERIFY(gViewSQL.isEmpty());
         QVERIFY(!form->tmrWait->isActive());
     }
 
@@ -119,26 +116,6 @@ class TreeTest : public QObject {
         RefreshIfDirty();
         QVERIFY(!gViewSQL.isEmpty());
         QVERIFY(!gListDirty);
-    }
-
-    void fillTreeSelectsByKeyThenIndexThenLast() {
-        frmMain* form = gMainForm;
-        gViewSQL.clear();
-        FillTree(3, "key2");
-        QCOMPARE(gSelectedKey, QString("key2"));
-        QCOMPARE(form->SelectedNode(), NodeWithKey("key2"));
-        FillTree(3, "key999");
-        QCOMPARE(gSelectedIndex, 3);
-        QCOMPARE(form->SelectedNode(), form->Node(3));
-        FillTree(999, "key999");
-        QCOMPARE(gSelectedIndex, form->NodeCount());
-        QCOMPARE(gSelectedKey, QString("search"));
-        FillTree(1, "");
-        QCOMPARE(gSelectedKey, QString("root"));
-        QVERIFY(form->Node(1)->isExpanded());
-        // Rebuilding reads nothing.
-        QVERIFY(gViewSQL.isEmpty());
-        QVERIFY(!gTreeDirty);
     }
 
   private:

@@ -3,8 +3,6 @@
 
 #include <sqlite3.h>
 
-#include <QRegularExpression>
-
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobals.h"

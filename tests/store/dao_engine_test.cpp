@@ -2,8 +2,6 @@
 // and the Jet files of the CD players read through it, refused when damaged and changed only
 // through a writer.
 
-#include <QFile>
-
 #include "jet/jet.h"
 #include "store/catalogue.h"
 #include "store/dao.h"

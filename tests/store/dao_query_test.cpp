@@ -1,5 +1,5 @@
-// Reading the catalogue: fields over joins, values, counts, moves and the statements the store
-// refuses.
+// Reading the catalogue: fields over joins, counts, moves, filters and sorts, and the statements
+// the store rewrites.
 
 #include <malloc.h>
 
@@ -17,23 +17,6 @@ class DaoQueryTest : public QObject {
         folder_->openCatalogue();
     }
     void cleanup() { folder_.reset(); }
-
-    void valuesKeepTheirKinds() {
-        AddTitle(*gDatabase, "Kinds");
-        auto rs = gDatabase->OpenRecordset("select * from title");
-        QCOMPARE(rs->Fields("capacity").Value(), QVariant(650.5));
-        QVERIFY(rs->Fields("memo").IsNull());
-
-        // Cached integers keep every width and sign.
-        const QList<qint64> numbers = {
-            0, -1, 127, 128, -129, 40000, -40000, 2147483647, -2147483648, 1LL << 40, -(1LL << 62)};
-        QStringList columns;
-        for (qint64 number : numbers) columns << QString::number(number);
-        auto values = gDatabase->OpenRecordset("select " + columns.join(", ") + ", x'00ff'");
-        for (int i = 0; i < numbers.size(); ++i)
-            QCOMPARE(values->Fields(i).Value(), QVariant(numbers[i]));
-        QCOMPARE(values->Fields(int(numbers.size())).Value(), QVariant(QByteArray("\x00\xff", 2)));
-    }
 
     void countsAndMoves() {
         auto empty = gDatabase->OpenRecordset("select * from title where idcd = 0");
@@ -69,19 +52,6 @@ class DaoQueryTest : public QObject {
         QCOMPARE(ErrorNumber([&] { rs->SetAbsolutePosition(17); }), 3001);
     }
 
-    void oneStatementPerCall() {
-        QCOMPARE(
-            ErrorNumber([&] { gDatabase->OpenRecordset("select * from type; delete from type"); }),
-            int(jetCharactersAfterEnd));
-        QCOMPARE(ErrorNumber([&] { gDatabase->Execute("delete from type; delete from vendor"); }),
-                 int(jetCharactersAfterEnd));
-        // Nothing of either statement ran.
-        QCOMPARE(gDatabase->OpenRecordset("type")->RecordCount(), 17L);
-        QCOMPARE(gDatabase->OpenRecordset("vendor")->RecordCount(), 7L);
-        QCOMPARE(ErrorNumber([&] { gDatabase->OpenRecordset("select * from type ; ;  "); }), 0);
-        QCOMPARE(ErrorNumber([&] { gDatabase->Execute("select * from type"); }), 3065);
-    }
-
     void filterAndSortApplyToNewRecordsets() {
         auto rs =
             gDatabase->OpenRecordset("select * from type where idplatform < 4 order by idtype");
@@ -102,23 +72,6 @@ class DaoQueryTest : public QObject {
         auto onlyMac = plain->OpenRecordset();
         onlyMac->MoveLast();
         QCOMPARE(onlyMac->RecordCount(), 2L);
-    }
-
-    void manyJoinedRowsAreCounted() {
-        AddTitle(*gDatabase, "Long album");
-        gDatabase->Execute(
-            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 32767) "
-            "INSERT INTO Tracks (idcd, TrackID, TrackName) SELECT 1, i % 256, 'Track ' || i FROM "
-            "n");
-        auto rs = gDatabase->OpenRecordset(
-            "select * from title, Tracks where title.idcd = Tracks.idcd order by Tracks.rowid");
-        QCOMPARE(rs->RecordCount(), 1L);
-        rs->MoveLast();
-        QCOMPARE(rs->RecordCount(), 32767L);
-        QCOMPARE(rs->Fields("TrackName").Value().toString(), QString("Track 32767"));
-        rs->SetAbsolutePosition(99);
-        QCOMPARE(rs->Fields("Tracks.TrackName").Value().toString(), QString("Track 100"));
-        QCOMPARE(rs->Fields("nmcd").Value().toString(), QString("Long album"));
     }
 
     void forwardOnlyWalkHoldsOnlyTheCurrentRow() {

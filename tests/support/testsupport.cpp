@@ -9,6 +9,7 @@
 
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
+#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
 #include "toolkit/vbruntime.h"
@@ -60,6 +61,13 @@ void TempProgramFolder::closeCatalogue() {
     }
 }
 
+bool TempProgramFolder::startProgramWith(const std::function<void()>& fill) {
+    openCatalogue();
+    fill();
+    closeCatalogue();
+    return StartProgram() != nullptr;
+}
+
 bool operator==(const MsgBoxCall& a, const MsgBoxCall& b) {
     return a.prompt == b.prompt && a.flags == b.flags && a.title == b.title;
 }
@@ -107,6 +115,7 @@ frmMain* StartProgram() {
     // Every start in a test is a new run: nothing of an earlier run's title or password is left.
     App.Title = AppObject{}.Title;
     gDatabasePassword.clear();
+    gSearchSQL.clear();
     gSplashForm = new frmSplash();
     gSplashForm->show();
     gMainForm = new frmMain();

@@ -40,6 +40,8 @@ class TempProgramFolder {
     void openCatalogue();
     // Closes gRecordset and gDatabase if open.
     void closeCatalogue();
+    // openCatalogue, fill, closeCatalogue, then StartProgram; true when the program runs.
+    bool startProgramWith(const std::function<void()>& fill);
 
   private:
     QTemporaryDir dir_;

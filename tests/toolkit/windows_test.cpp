@@ -1,12 +1,5 @@
 // What the program asks of Windows and of the Visual Basic runtime, as this system gives it:
-// profile (.ini) files, the registry and the ODBC data sources under Wine, the common file
-// dialogs, and the runtime's formats and conversions.
-
-#include <QDir>
-#include <QFile>
-#include <QStandardPaths>
-#include <QTemporaryDir>
-#include <limits>
+// profile (.ini) files, the registry under Wine and the common file dialogs.
 
 #include "support/testsupport.h"
 #include "toolkit/cCommonDialog.h"
@@ -21,10 +14,6 @@ namespace {
 QString StorePath() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
            "/velmora/registry.ini";
-}
-
-QString OdbcPath() {
-    return QDir::homePath() + "/.odbc.ini";
 }
 
 // A dialog to choose a TAB file, as the import asks for one.
@@ -47,10 +36,7 @@ class WindowsTest : public QObject {
     QTemporaryDir dir;
 
   private slots:
-    void init() {
-        QFile::remove(StorePath());
-        QFile::remove(OdbcPath());
-    }
+    void init() { QFile::remove(StorePath()); }
 
     void readsLikeTheWindowsProfileFunctions() {
         const QString path = dir.filePath("cdplayer.ini");
@@ -138,26 +124,6 @@ class WindowsTest : public QObject {
         QCOMPARE(ReadIniString(path, "C7", "9", ""), QString("value 9"));
     }
 
-    void parseKeySplitsAndWarnsAboutBadPaths() {
-        ScriptedDialogs dialogs;
-        QString key = "HKEY_LOCAL_MACHINE\\Software\\Dorvik Software\\Velmora";
-        RegistryHandle root = 0;
-        ParseKey(key, root);
-        QCOMPARE(key, QString("Software\\Dorvik Software\\Velmora"));
-        QCOMPARE(root, HKEY_LOCAL_MACHINE);
-        key = "HKEY_USERS";
-        ParseKey(key, root);
-        QCOMPARE(key, QString());
-        QCOMPARE(root, HKEY_USERS);
-        QVERIFY(dialogs.msgBoxes.isEmpty());
-
-        key = "Software\\Dorvik";
-        ParseKey(key, root);
-        QCOMPARE(root, 0u);
-        QCOMPARE(dialogs.msgBoxes,
-                 Boxes({{"Incorrect Format:\n\nSoftware\\Dorvik", vbOKOnly, "Velmora"}}));
-    }
-
     void valuesGoThroughTheBuffer() {
         ScriptedDialogs dialogs;
         const QString path = "HKEY_LOCAL_MACHINE\\Software\\Dorvik Software\\Velmora";
@@ -168,37 +134,15 @@ class WindowsTest : public QObject {
 
         SetRegistryValue(handle, "AppPath", "/opt/velmora", REG_SZ);
         SetRegistryValue(handle, "Padded", "  two blanks before, one after ", REG_SZ);
-        SetRegistryValue(handle, "Longest", QString(254, 'x'), REG_SZ);
-        SetRegistryValue(handle, "TooLong", QString(255, 'x'), REG_SZ);
         QCOMPARE(LastRegistryResult(), 0L);
 
         QCOMPARE(GetRegistryValue(path, "AppPath"), QString("/opt/velmora"));
         QCOMPARE(GetRegistryValue(path, "apppath"), QString("/opt/velmora"));
         QCOMPARE(GetRegistryValue(path, "Padded"), QString("two blanks before, one after "));
-        // The value and its terminator must fit the 255 places of the buffer, or Windows
-        // refuses to read it (more data than the buffer holds).
-        QCOMPARE(GetRegistryValue(path, "Longest"), QString(254, 'x'));
-        QCOMPARE(GetRegistryValue(path, "TooLong"), QString("Error"));
-        QCOMPARE(LastRegistryResult(), 234L);
 
         QCOMPARE(GetRegistryValue(path, "Missing"), QString("Error"));
         QCOMPARE(LastRegistryResult(), 2L);
         QVERIFY(dialogs.msgBoxes.isEmpty());
-    }
-
-    void odbcSourcesComeFromTheUsersOdbcIni() {
-        WriteBytes(
-            OdbcPath(),
-            "[ODBC Data Sources]\nDeluxeCD = Microsoft Access Driver\n\n[DeluxeCD]\n"
-            "Driver      = MDBTools\nDBQ         = deluxecd.mdb\nDefaultDir  = /home/me/cd\n");
-        const QString key = "HKEY_CURRENT_USER\\Software\\ODBC\\ODBC.INI\\DeluxeCD";
-        QCOMPARE(GetRegistryValue(key, "DBQ"), QString("deluxecd.mdb"));
-        QCOMPARE(GetRegistryValue(key, "DefaultDir"), QString("/home/me/cd"));
-        QCOMPARE(GetRegistryValue("HKEY_CURRENT_USER\\Software\\ODBC\\ODBC.INI\\Other", "DBQ"),
-                 QString("Error"));
-        QCOMPARE(GetRegistryValue("HKEY_LOCAL_MACHINE\\Software\\ODBC\\ODBC.INI\\DeluxeCD", "DBQ"),
-                 QString("Error"));
-        QVERIFY(!QFile::exists(StorePath()));
     }
 
     void theChooserIsAskedWhatTheObjectHolds() {
@@ -226,16 +170,6 @@ class WindowsTest : public QObject {
         QCOMPARE(save.Filename, dir.filePath("out.html"));
     }
 
-    void aCancelEmptiesTheName() {
-        ScriptedDialogs dialogs;
-        cCommonDialog open = TabFileDialog();
-        open.Filename = "suggested.txt";
-        QVERIFY(!open.ShowOpen());
-        QVERIFY(open.Filename.isEmpty());
-        QCOMPARE(GCommonDialog::APIReturn, 0L);
-        QCOMPARE(GCommonDialog::ExtendedError, 0L);
-    }
-
     // The program told to end unloads its windows while one of them still asks something: the
     // dialog goes with its owner and answers as cancelled.
     void theOwnerMayGoWhileItsDialogIsOpen() {
@@ -261,35 +195,6 @@ class WindowsTest : public QObject {
         QCOMPARE(MsgBox("Really?", vbYesNoCancel + vbQuestion, "Owner goes"), int(vbCancel));
         QVERIFY(!owner);
         testsupport::InstallUnscriptedResponders();
-    }
-
-    void formatPatterns() {
-        const struct {
-            double value;
-            const char *pattern, *expected;
-        } rows[] = {
-            {5.0, "00000", "00005"},    {123456.0, "00000", "123456"},
-            {-42.0, "00000", "-00042"}, {12.5, "00000", "00013"},
-            {-1234.5, "###0", "-1235"}, {0.4, "###0", "0"},
-            {3.25, "###0.0", "3.3"},    {1024.04, "###0.0", "1024.0"},
-            {0.05, "###0.0", "0.1"},    {0.125, "##0%", "13%"},
-            {-0.25, "##0%", "-25%"},    {-2.5, "0", "-3"},
-            {0.0, "#0", "0"},           {-0.6, "#0", "-1"},
-        };
-        for (const auto& row : rows)
-            QCOMPARE(Format(row.value, row.pattern), QString(row.expected));
-    }
-
-    void conversionsOverflowWithError6() {
-        QCOMPARE(ErrorNumber([] { CInt(32767.5); }), 6);
-        QCOMPARE(ErrorNumber([] { CInt(-32769); }), 6);
-        QCOMPARE(ErrorNumber([] { CInt(1e30); }), 6);
-        QCOMPARE(ErrorNumber([] { CInt(std::numeric_limits<double>::quiet_NaN()); }), 6);
-        QCOMPARE(ErrorNumber([] { CByte(255.5); }), 6);
-        QCOMPARE(ErrorNumber([] { CByte(-0.6); }), 6);
-        QCOMPARE(ErrorNumber([] { CByte(-1e30); }), 6);
-        QCOMPARE(ErrorNumber([] { RoundToEven(1e19); }), 6);
-        QCOMPARE(Refusal([] { CInt(40000); }), QString("6 Overflow"));
     }
 };
 

@@ -1,11 +1,5 @@
-// The download window against a local server (resumed, refused and cancelled transfers, and its
-// formatting), and the live update that runs on it.
-
-#include <QDir>
-#include <QFile>
-#include <QLabel>
-#include <QTemporaryDir>
-#include <QTimer>
+// The download window against a local server (resumed, refused and cancelled transfers) and the
+// live update that runs on it.
 
 #include "shell/frmMain.h"
 #include "support/testsupport.h"
@@ -159,22 +153,6 @@ class UpdateTest : public QObject {
         App.Revision = 0;
         frmMain* main = StartProgram();
         QVERIFY(main);
-        const QByteArray script = server.files["/upd.sh"];
-        {
-            // A program the system cannot start: the reason in a box, and Velmora goes on.
-            ScriptedDialogs dialogs;
-            dialogs.answerMsgBox(vbYes);
-            server.files["/upd.sh"] = "no program at all";
-            main->ToolbarButton("update")->trigger();
-            QCOMPARE(dialogs.msgBoxes.size(), 2);
-            const MsgBoxCall& box = dialogs.msgBoxes[1];
-            QCOMPARE(box.title, QString("Auto-Update"));
-            QCOMPARE(box.flags, vbCritical);
-            QVERIFY(box.prompt.startsWith("The update program " + tempFolder() +
-                                          "/upd.sh could not be started.\r\n"));
-            QVERIFY(!main->IsUnloaded());
-        }
-        server.files["/upd.sh"] = script;
         ScriptedDialogs dialogs;
         dialogs.answerMsgBox(vbYes);
         QSignalSpy unloaded(main, &frmMain::Unloaded);
@@ -322,53 +300,6 @@ class UpdateTest : public QObject {
                              vbRetryCancel + vbExclamation, "Download Incomplete"}}));
             QVERIFY(QDir().rmdir(target()));
         }
-    }
-
-    void cancelStopsAStalledTransfer() {
-        TestHttpServer server(Source(50000));
-        HttpAnswer stalled;
-        stalled.stallAfter = 8000;
-        for (bool byEscape : {false, true}) {
-            ScriptedDialogs dialogs;
-            server.answers = {stalled};
-            frmDownload form;
-            bool succeeded = true;
-            QTimer::singleShot(300, &form, [&form, byEscape] {
-                if (byEscape)
-                    QTest::keyClick(&form, Qt::Key_Escape);
-                else
-                    form.CancelButton->click();
-            });
-            form.DownloadFile(server.url("/big.bin"), target(), "", "", true, succeeded);
-            QVERIFY(!succeeded);
-            QVERIFY(form.bCancel);
-            QCOMPARE(form.StatusLabel->text(), QString("Cancelling..."));
-            QVERIFY(!form.AnimatedGifCtl1->TimerRunning());
-            QVERIFY(!QFile::exists(target()));
-            QVERIFY(dialogs.msgBoxes.isEmpty());
-        }
-    }
-
-    void formattingAndPathRoutines() {
-        const QList<QPair<QString, QString>> formatted = {
-            {FormatFileSize(1023), "1023 bytes"},
-            {FormatFileSize(1023.5), ""},
-            {FormatFileSize(512.345678f, "###.0"), "512.3457 bytes"},
-            {FormatFileSize(1048575), "1024 KB"},
-            {FormatFileSize(1048576), "1.0 MB"},
-            {FormatFileSize(3.5 * 1073741824.0), "3.5 GB"},
-            {FormatTimeLeft(59.5f), "0 hr 1 min"},
-            {FormatTimeLeft(150.5f), "2 min 30 sec"},
-            {FormatTimeLeft(5430), "1 hr 30 min"},
-            {SplitPath("a/b/c.ini", false, true), "a/b/"},
-            {SplitPath("c:\\x\\y.exe", true, false), "y.exe"},
-        };
-        for (const auto& [shown, expected] : formatted) QCOMPARE(shown, expected);
-
-        QLabel label;
-        label.setFixedWidth(80);
-        const QString fitted = FitText(&label, QString("averyveryverylongname").repeated(5));
-        QVERIFY(fitted.startsWith("aver") && fitted.contains("...") && fitted.endsWith("name"));
     }
 };
 
