@@ -36,7 +36,12 @@ void GnudbLookup::Start(const OnlineDiscIds& ids) {
 
 void GnudbLookup::Command(const QString& command, AnswerHandler then) {
     const QString version = QString("%1.%2.%3").arg(App.Major).arg(App.Minor).arg(App.Revision);
-    const QString hello = QStringList{Encoded(user_), "localhost", App.Title, version}.join('+');
+    // gnudb wants the user's e-mail address in the greeting: "name@host" goes in as its user
+    // and host.
+    const qsizetype at = user_.lastIndexOf('@');
+    const QString name = at > 0 ? user_.left(at) : user_;
+    const QString host = at > 0 ? user_.mid(at + 1) : QString("localhost");
+    const QString hello = QStringList{Encoded(name), Encoded(host), App.Title, version}.join('+');
     Get("/~cddb/cddb.cgi?cmd=" + command + "&hello=" + hello + "&proto=6", 0,
         [this, then](const Answer& answer) {
             if (answer.status == 0) return Fail(answer.failure);

@@ -56,8 +56,9 @@ Outcome AskMusicBrainz(const LookupServer& server, int timeoutMs = 15000) {
     return Ask(lookup, [&] { lookup.Start(Ids()); });
 }
 
-Outcome AskGnudb(const LookupServer& server, int timeoutMs = 15000) {
-    GnudbLookup lookup(server.url(), "tester");
+Outcome AskGnudb(const LookupServer& server, int timeoutMs = 15000,
+                 const QString& user = "tester") {
+    GnudbLookup lookup(server.url(), user);
     lookup.RequestTimeoutMs = timeoutMs;
     return Ask(lookup, [&] { lookup.Start(Ids()); });
 }
@@ -208,11 +209,13 @@ class OnlineLookupTest : public QObject {
                          QString::fromUtf8("gnudb;jazz/0a0b0c04;Café;Noir;;;CD;1/1;toc;Déjà||late"),
                          "gnudb;misc/0a0b0c05;Sampler;Sampler;;;CD;1/1;toc;"}));
 
-        // 202: no match. A CDDB error and an HTTP error name the server and its words.
+        // 202: no match, asked by a user who gave an e-mail address. A CDDB error and an HTTP
+        // error name the server and its words.
         server.clear();
         server.answer("cmd=cddb+query+", Body(Cddb({"202 No match found"})));
-        outcome = AskGnudb(server);
+        outcome = AskGnudb(server, 15000, "me@example.org");
         QVERIFY(outcome.finished && outcome.matches.isEmpty() && outcome.problem.isEmpty());
+        QVERIFY(server.targets.first().contains("&hello=me+example.org+Velmora+"));
         server.clear();
         server.answer("cmd=cddb+query+", Body(Cddb({"200 rock 0a0b0c03 A / B"})));
         server.answer(kEntryRead, Body(Cddb({"403 Database entry is corrupt."})));
