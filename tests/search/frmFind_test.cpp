@@ -245,6 +245,51 @@ class FindTest : public QObject {
         QVERIFY(!gFindForm);
     }
 
+    // A key let go after the window's own box took its key-down does nothing, and getting the
+    // focus back from that box is no activation.
+    void boxesKeepTheirKeysAndTheFocus() {
+        ScriptedDialogs dialogs;
+        frmFind* form = OpenFindWindow();
+        QVERIFY(form);
+        const QPointer<frmFind> guard(form);
+        Qt::Key keyInBox = Qt::Key_Escape;
+        SetMsgBoxResponder([&](const MsgBoxCall& call) {
+            dialogs.msgBoxes << call;
+            QEvent deactivate(QEvent::WindowDeactivate);
+            QCoreApplication::sendEvent(form, &deactivate);
+            testsupport::PressKeyInAnotherWindow(keyInBox);
+            return vbCancel;
+        });
+
+        // Escape on the "Confirm" box.
+        ClickTreeNode("root");
+        ComeBackTo(form);
+        form->Option1[1]->setChecked(true);
+        TypeInto(form->Text1[3], "Games");
+        form->Text1[3]->setFocus();
+        QTest::keyClick(form->Text1[3], Qt::Key_Return);
+        QCOMPARE(dialogs.msgBoxes, Boxes({kSearchAll}));
+        QEvent activate(QEvent::WindowActivate);
+        QCoreApplication::sendEvent(form, &activate);
+        QCoreApplication::sendPostedEvents(form, QEvent::MetaCall);
+        QVERIFY(form->Text1[3]->hasFocus());
+        QTest::keyRelease(form->Text1[3], Qt::Key_Escape);
+        QVERIFY(guard && form->isVisible());
+
+        // Enter on the "search-category" box.
+        form->Option1[2]->setChecked(true);
+        QTest::keyClick(form->Text1[3], Qt::Key_Return);
+        QCOMPARE(gMainForm->NodeKey(gMainForm->SelectedNode()), QString("search"));
+        form->Option1[0]->setEnabled(true);
+        form->Option1[0]->setChecked(true);
+        keyInBox = Qt::Key_Return;
+        QTest::keyClick(form->Text1[3], Qt::Key_Return);
+        QCOMPARE(dialogs.msgBoxes, Boxes({kSearchAll, kSearchNodeRefused}));
+        QTest::keyRelease(form->Text1[3], Qt::Key_Return);
+        QCOMPARE(dialogs.msgBoxes.size(), 2);
+        QVERIFY(guard && form->isVisible());
+    }
+
   private:
     std::unique_ptr<TempProgramFolder> folder_;
 };

@@ -1,8 +1,7 @@
-// The title list: its views, items, counting, sorting and selection.
+// The title list: its items, counting and sorting.
 
 #include <QHeaderView>
 
-#include "lookups/viewqueries.h"
 #include "shell/listtree_support.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
@@ -36,14 +35,6 @@ void ClickRow(int row) {
     const QModelIndex index = gMainForm->ListModel()->index(row, 0);
     list->scrollTo(index);
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(index).center());
-}
-
-bool ViewHolds(const QString& kind, int first, int second, const QString& clause, long idcd) {
-    std::unique_ptr<Recordset> view;
-    GetViewSQL(kind, true, view, first, second, clause);
-    for (; view && !view->IsEOF(); view->MoveNext())
-        if (view->Fields("idcd").Value().toLongLong() == idcd) return true;
-    return false;
 }
 
 }  // namespace
@@ -105,19 +96,6 @@ class ListTest : public QObject {
         QCOMPARE(ColumnTexts(0), QStringList({"Blue"}));
         ClickNode(NodeWithKey("key1key2"));
         QCOMPARE(form->ListItemCount(), 0);
-    }
-
-    void vendorOfAnotherPlatformShowsOnlyInAll() {
-        const long stray = AddTitle("Stray", 1, 1, 1, 4);
-        const long plain = AddTitle("Plain", 1, 1, 1, 1);
-        QVERIFY(ViewHolds("all", 0, 0, "", stray));
-        QVERIFY(!ViewHolds("platform", 0, 32767, "", stray));
-        QVERIFY(!ViewHolds("platform", 1, 1, "", stray));
-        QVERIFY(!ViewHolds("platform", 3, 3, "", stray));
-        QVERIFY(!ViewHolds("platformtype", 1, 1, "(1)", stray));
-        QVERIFY(ViewHolds("platformtype", 1, 1, "(1)", plain));
-        ForceSelectNode(1);
-        QCOMPARE(ColumnTexts(0), QStringList({"Plain"}));
     }
 
     void columnClicksSortAsText() {

@@ -1,10 +1,11 @@
 // Text compares as Jet compares it: without regard to case in any script, accented letters
-// beside their base letters, in the catalogue's statements and its indexes, and in catalogues
-// made before the order existed; and Jet's like patterns.
+// beside their base letters, in the catalogue's statements, its indexes, the list's own sorting,
+// and in catalogues made before the order existed; and Jet's like patterns.
 
 #include <sqlite3.h>
 
 #include "shell/frmMain.h"
+#include "shell/titlelistmodel.h"
 #include "store/catalogue.h"
 #include "store/jetlike.h"
 #include "store/jettext.h"
@@ -109,6 +110,20 @@ class JetTextTest : public QObject {
         QCOMPARE(Scalar(db, "select nmcd from title where extra = 'ärger'"), QString("etf"));
         QVERIFY(!TextColumnsNeedJetOrder(db));
         folder.closeCatalogue();
+    }
+
+    void listSortsAsTheCatalogue() {
+        TitleListModel model;
+        std::vector<TitleRow> rows;
+        for (const char* text : {"Video", "été", "etf", "atari Jaguar", "Ete"})
+            rows.push_back(TitleRow{"id", text, {}, "", 1});
+        model.SetRows(std::move(rows));
+        model.SetSorting(true, 0, Qt::AscendingOrder);
+        QStringList shown;
+        for (int row = 0; row < model.rowCount(); ++row) shown << model.Text(row, 0);
+        QCOMPARE(shown, QStringList({"atari Jaguar", "Ete", "été", "etf", "Video"}));
+        // A new row goes behind the rows it equals.
+        QCOMPARE(model.Add(TitleRow{"id", "ETF", {}, "", 1}), 4);
     }
 
     // An older catalogue is rebuilt once, keeping rows, ids, counters, relations and indexes.

@@ -1,20 +1,14 @@
 // What the program asks of Windows and of the Visual Basic runtime, as this system gives it:
-// profile (.ini) files, the registry under Wine and the common file dialogs.
+// profile (.ini) files and the common file dialogs.
 
 #include "support/testsupport.h"
 #include "toolkit/cCommonDialog.h"
-#include "toolkit/mRegistry.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vberror.h"
 #include "toolkit/vbruntime.h"
 
 namespace {
-
-QString StorePath() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-           "/velmora/registry.ini";
-}
 
 // A dialog to choose a TAB file, as the import asks for one.
 cCommonDialog TabFileDialog() {
@@ -36,8 +30,6 @@ class WindowsTest : public QObject {
     QTemporaryDir dir;
 
   private slots:
-    void init() { QFile::remove(StorePath()); }
-
     void readsLikeTheWindowsProfileFunctions() {
         const QString path = dir.filePath("cdplayer.ini");
         WriteBytes(path,
@@ -122,27 +114,6 @@ class WindowsTest : public QObject {
             written.startsWith("[Old]\r\nkey=first\r\nsecond=line\r\n\r\n[0]\r\n0=value 0\r\n"));
         QCOMPARE(written.count("\r\n9=value 9\r\n"), 200);
         QCOMPARE(ReadIniString(path, "C7", "9", ""), QString("value 9"));
-    }
-
-    void valuesGoThroughTheBuffer() {
-        ScriptedDialogs dialogs;
-        const QString path = "HKEY_LOCAL_MACHINE\\Software\\Dorvik Software\\Velmora";
-        RegistryHandle handle = 0;
-        CreateRegistryKey(handle, path);
-        QCOMPARE(LastRegistryResult(), 0L);
-        QVERIFY(handle != 0);
-
-        SetRegistryValue(handle, "AppPath", "/opt/velmora", REG_SZ);
-        SetRegistryValue(handle, "Padded", "  two blanks before, one after ", REG_SZ);
-        QCOMPARE(LastRegistryResult(), 0L);
-
-        QCOMPARE(GetRegistryValue(path, "AppPath"), QString("/opt/velmora"));
-        QCOMPARE(GetRegistryValue(path, "apppath"), QString("/opt/velmora"));
-        QCOMPARE(GetRegistryValue(path, "Padded"), QString("two blanks before, one after "));
-
-        QCOMPARE(GetRegistryValue(path, "Missing"), QString("Error"));
-        QCOMPARE(LastRegistryResult(), 2L);
-        QVERIFY(dialogs.msgBoxes.isEmpty());
     }
 
     void theChooserIsAskedWhatTheObjectHolds() {
