@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "jet/jetpages.h"
-#include "jet/jetusagemap.h"
 
 namespace jet {
 
@@ -22,6 +21,16 @@ int LowestRowStart(const QByteArray& page) {
 }
 
 }  // namespace
+
+RowSpan LocateRow(const QByteArray& dataPage, int row) {
+    const int rowCount = DataPageRowCount(dataPage);
+    if (row >= rowCount) return {};
+    const int start = ReadU16(dataPage, kRowTableOffset + 2 * row) & 0x1fff;
+    const int end =
+        row == 0 ? kPageSize : ReadU16(dataPage, kRowTableOffset + 2 * (row - 1)) & 0x1fff;
+    if (start < kRowTableOffset + 2 * rowCount || end > kPageSize || start > end) return {};
+    return {start, end - start};
+}
 
 QByteArray NewDataPage(uint32_t tablePage) {
     QByteArray page(kPageSize, '\0');

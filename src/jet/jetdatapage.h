@@ -12,6 +12,13 @@ constexpr uint16_t kRowDeleted = 0x8000;   // also marks a row reached only thro
 constexpr uint16_t kRowOverflow = 0x4000;  // the row holds a pointer to where it now lives
 constexpr int kMaxRowsPerPage = 255;       // an index entry has one byte for the row number
 
+// The bytes of the row at a row pointer (page << 8 | row), as offset and length in its page.
+struct RowSpan {
+    int start = 0;
+    int length = 0;
+};
+RowSpan LocateRow(const QByteArray& dataPage, int row);
+
 QByteArray NewDataPage(uint32_t tablePage);
 uint32_t DataPageTable(const QByteArray& page);
 int DataPageRowCount(const QByteArray& page);

@@ -1,13 +1,12 @@
 #include "jet/jetusagemap.h"
 
+#include "jet/jetdatapage.h"
 #include "jet/jetwriteerror.h"
 
 namespace jet {
 
 namespace {
 
-constexpr int kDataRowCountOffset = 12;
-constexpr int kDataRowTableOffset = 14;
 constexpr int kInlineHeaderSize = 5;
 constexpr int kMapPageHeaderSize = 4;
 constexpr uint32_t kPagesPerMapPage = (kPageSize - kMapPageHeaderSize) * 8;
@@ -59,16 +58,6 @@ void ReferenceMapSet(PageFile& file, const MapRow& map, uint32_t page, bool used
 }
 
 }  // namespace
-
-RowSpan LocateRow(const QByteArray& dataPage, int row) {
-    const int rowCount = ReadU16(dataPage, kDataRowCountOffset);
-    if (row >= rowCount) return {};
-    const int start = ReadU16(dataPage, kDataRowTableOffset + 2 * row) & 0x1fff;
-    const int end =
-        row == 0 ? kPageSize : ReadU16(dataPage, kDataRowTableOffset + 2 * (row - 1)) & 0x1fff;
-    if (start < kDataRowTableOffset + 2 * rowCount || end > kPageSize || start > end) return {};
-    return {start, end - start};
-}
 
 std::vector<uint32_t> UsageMapPages(PageFile& file, uint32_t mapPointer) {
     const MapRow map = FindMapRow(file, mapPointer);

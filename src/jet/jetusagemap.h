@@ -10,13 +10,6 @@
 
 namespace jet {
 
-// The bytes of the row at a row pointer (page << 8 | row), as offset and length in its page.
-struct RowSpan {
-    int start = 0;
-    int length = 0;
-};
-RowSpan LocateRow(const QByteArray& dataPage, int row);
-
 std::vector<uint32_t> UsageMapPages(PageFile& file, uint32_t mapPointer);
 // Sets or clears a page's bit, turning an inline map into the reference form when the page lies
 // beyond what the inline bitmap covers.
