@@ -84,10 +84,17 @@ void frmMain::HideFolder(long id, const QString& name) {
         platform->Fields("visible").SetValue(false);
         platform->Update();
 
-        QTreeWidgetItem* selected = SelectedNode();
-        if (!selected) return;
-        if (NodeIndex(selected) == gSelectedIndex) gSelectedIndex = 0;
-        RemoveNode(selected);
+        // The folder that was hidden goes, which is the right-clicked one and not always the
+        // selected one: the tree must keep showing what the catalogue holds.
+        QTreeWidgetItem* hidden = NodeOfKey("key" + QString::number(id));
+        if (!hidden) return;
+        // The nodes after it move up: the index of the folder read last follows its node.
+        const QTreeWidgetItem* read = Node(gSelectedIndex);
+        bool readGoes = false;
+        for (const QTreeWidgetItem* node = read; node; node = node->parent())
+            readGoes = readGoes || node == hidden;
+        RemoveNode(hidden);
+        gSelectedIndex = read && !readGoes ? NodeIndex(read) : 0;
     } catch (const VbError& error) {
         MsgBox(error.Description, vbCritical);
     }

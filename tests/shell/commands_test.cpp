@@ -250,6 +250,22 @@ class CommandsTest : public QObject {
         QCOMPARE(gRequestedKey, QString("key3"));
         QCOMPARE(form()->ListItemCount(), 0);
         QCOMPARE(form()->lastTreeButton, 1);
+
+        // Hide takes away the right-clicked platform, not the selected one, whose node and
+        // index stay those of the folder read.
+        QTreeWidgetItem* root = form()->Node(1);
+        QTreeWidgetItem* console = root->child(1);
+        QTreeWidgetItem* video = root->child(root->childCount() - 2);
+        QCOMPARE(console->text(0) + "/" + video->text(0), QString("Game console/Video"));
+        const QString consoleKey = form()->NodeKey(console);
+        form()->SelectNode(video);
+        gSelectedIndex = form()->NodeIndex(video);
+        dialogs_->answerMsgBox(vbYes);
+        RightClickTree(NodePoint(console), form()->mnuHideFolder);
+        QVERIFY(!NodeWithKey(consoleKey));
+        QCOMPARE(form()->SelectedNode(), video);
+        QCOMPARE(form()->Node(gSelectedIndex), video);
+        QCOMPARE(RowCount("platform where visible = 0 and nmplatform = 'Game console'"), 1L);
     }
 
     void listContextMenuOffersTitleItemsOnlyOnAnItem() {
