@@ -1,6 +1,8 @@
 // Turning the guarded catalogue file into the open database, installing it from the template
 // when it is missing.
 
+#include <QFile>
+
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "store/catalogue.h"
@@ -19,6 +21,22 @@ void AskToMakeAccessible(const QString& path) {
     if (answer == vbYes) SetAttr(path, vbArchive);
 }
 
+// A catalogue that was kept beside the program until its folder became read-only moves with
+// the user, once: starting empty in the user's folder would look as if every title were gone.
+void MoveCatalogue(const QString& beside, const QString& path) {
+    if (!QFile::copy(beside, path)) {
+        QFile::remove(path);
+        throw VbError(1310, "The database " + beside + " could not be copied to " + path +
+                                ". Please make sure there is room and that you may write there.");
+    }
+    SetAttr(path, vbArchive);
+    MsgBox("Velmora may not write in its own folder " + App.Path + "." + vbCrLf +
+               "Your database was copied to " + path +
+               " and Velmora uses that copy from now on; the file beside the program is no "
+               "longer changed.",
+           vbInformation, "Database moved");
+}
+
 }  // namespace
 
 bool frmMain::OpenDatabaseStage1() {
@@ -26,6 +44,11 @@ bool frmMain::OpenDatabaseStage1() {
         gDatabasePath = AddBackslash(CatalogueFolder()) + "data.gdb";
         const QString templatePath = AddBackslash(App.Path) + "data.dll";
 
+        if (const QString beside = AddBackslash(App.Path) + "data.gdb";
+            gDatabasePath != beside && !FileExists(gDatabasePath) && FileExists(beside)) {
+            HideSplash();
+            MoveCatalogue(beside, gDatabasePath);
+        }
         if (!FileExists(gDatabasePath)) {
             SetSplashStatus("Initializing database");
             if (!FileExists(templatePath))

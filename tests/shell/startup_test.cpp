@@ -126,6 +126,33 @@ class StartupTest : public QObject {
         QCOMPARE(Head(dataFolder + "/data.gdb").left(15), QByteArray("SQLite format F"));
         QVERIFY(!QFile::exists(dataFolder + "/data.compacted"));
         QVERIFY(QFile::remove(dataFolder + "/data.gdb"));
+
+        // A catalogue beside the program moves to the user's folder once, with a box that
+        // says where it now lives; the file beside the program is left as it was.
+        folder_->openCatalogue();
+        gDatabase->Execute(
+            "insert into title (nmcd, nrcds, idvendor, idplatform, idtype, idspecific, "
+            "idmediatype) values ('Kept', 1, 1, 1, 1, 1, 1)");
+        folder_->closeCatalogue();
+        const QByteArray beside = ReadBytes(folder_->file("data.gdb"));
+        QFile(folder_->path()).setPermissions(writable & ~(QFile::WriteOwner | QFile::WriteUser));
+        for (int start = 0; start < 2; ++start) {
+            QVERIFY(StartProgram());
+            QCOMPARE(gDatabasePath, dataFolder + "/data.gdb");
+            QCOMPARE(RowCount("title where nmcd = 'Kept'"), 1L);
+            gDatabase->Execute("update title set nmcd = 'Changed' where nmcd = 'Kept'");
+            gDatabase->Execute("update title set nmcd = 'Kept' where nmcd = 'Changed'");
+            EndProgram();
+        }
+        QFile(folder_->path()).setPermissions(writable);
+        QCOMPARE(dialogs.takeBoxes(),
+                 Boxes({{"Velmora may not write in its own folder " + folder_->path() + ".\r\n" +
+                             "Your database was copied to " + dataFolder +
+                             "/data.gdb and Velmora uses that copy from now on; the file beside "
+                             "the program is no longer changed.",
+                         vbInformation, "Database moved"}}));
+        QCOMPARE(ReadBytes(folder_->file("data.gdb")), beside);
+        QVERIFY(QFile::remove(dataFolder + "/data.gdb"));
     }
 
     void installsMissingCatalogueAndGuardsItAtExit() {
