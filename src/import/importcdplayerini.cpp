@@ -1,7 +1,6 @@
 // Titles from the default CD player's cdplayer.ini: one section a disc, named by the disc's
 // TitleID in hexadecimal.
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -57,7 +56,7 @@ void AddTracks(const IniDisc& disc, long idcd) {
 }
 
 // Adds one disc, or renews it when overwriting; true when it went in. An error of the renewal
-// has no further trap and is thrown.
+// has no further trap and is thrown, as is one that every later disc would meet too.
 bool ImportDisc(frmImport& window, const IniDisc& disc, long& idvendor, long idtype,
                 long idspecific) {
     try {
@@ -70,7 +69,8 @@ bool ImportDisc(frmImport& window, const IniDisc& disc, long& idvendor, long idt
         title->Update();
         AddTracks(disc, idcd);
         return true;
-    } catch (const VbError&) {
+    } catch (const VbError& error) {
+        if (CatalogueCannotBeWritten(error)) throw;
         if (!window.OverwriteTitles) {
             if (window.WarnTitles)
                 MsgBox("The cd with title '" + disc.Value("title") +
@@ -78,7 +78,6 @@ bool ImportDisc(frmImport& window, const IniDisc& disc, long& idvendor, long idt
                            "Most likely reason is that it allready existed in Velmora's "
                            "Database.",
                        vbExclamation, "Importing from " + window.Check1[0]->text());
-            ++window.IniDuplicates;
             return false;
         }
     }
@@ -108,9 +107,7 @@ void frmImport::ImportCdPlayerIni() {
     int count = 0;
     for (const QString& line : lines) {
         if (!line.startsWith('[') || line == "[CDDB]") continue;
-        ++IniTried;
         if (count == kMaxSections) {
-            IniTried = 0;
             ShowImportStopped(Check1[0]->text(), IniPath, 9,
                               "Subscript out of range: the file holds more than " +
                                   QString::number(kMaxSections) + " discs.");
@@ -126,23 +123,23 @@ void frmImport::ImportCdPlayerIni() {
     // Kept from disc to disc: a disc whose vendor cannot be found or made (an artist with an
     // apostrophe) is renewed with the previous disc's vendor when overwriting.
     long idvendor = 0;
-    int s = 0;
-    for (; s < count; ++s) {
+    int reached = 0;
+    for (int s = 0; s < count; ++s) {
         ReportProgress(progress, s + 1, count);
+        ++reached;
         bool kept = false;
         try {
             kept = ImportDisc(*this, IniDisc{IniPath, sections[s]}, idvendor, idtype, idspecific);
         } catch (const VbError& error) {
-            ShowImportStopped(Check1[0]->text(), IniPath, error.Number, error.Description);
+            batches.Stop(error, false);
             break;
         }
         if (!batches.TitleDone(kept)) break;
     }
     EndProgress(progress);
-    if (!batches.Finish()) {
-        // Only the sections reached count, and the titles of the batch that was lost did not
-        // stay.
-        IniTried -= count - std::min(s + 1, count);
-        IniDuplicates += batches.Lost();
-    }
+    batches.Finish();
+    // The summary counts the discs reached, and as gone wrong every one of them that did not
+    // stay: refused, stopped on, or lost with a batch.
+    IniTried += reached;
+    IniDuplicates += reached - batches.Stayed();
 }

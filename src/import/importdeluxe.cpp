@@ -60,6 +60,11 @@ void frmImport::ImportDeluxeDatabase() {
     ImportBatches batches(Check1[1]->text(), DeluxePath);
     const long idtype = DefaultId(cmbDefType);
     const long idspecific = DefaultId(cmbDefSpecific);
+    // The disc whose rows are being read, and whether it went in; a batch ends between discs
+    // only.
+    qint64 disc = kNoTitleYet;
+    bool discKept = false;
+    int reached = 0;
     try {
         auto tracks = gDatabase->OpenRecordset("Tracks");
         auto titles = gDatabase->OpenRecordset("title");
@@ -67,16 +72,13 @@ void frmImport::ImportDeluxeDatabase() {
         qint64 previousTitle = kNoTitleYet;
         long idvendor = 0;
         long idcd = 0;
-        // The disc whose rows are being read, and whether it went in; a batch ends between
-        // discs only.
-        qint64 disc = kNoTitleYet;
-        bool discKept = false;
         long discsSeen = 0;
         while (!rs->IsEOF()) {
             if (const qint64 rowDisc = (*rs)["Titles.TitleID"].toLongLong(); rowDisc != disc) {
                 if (disc != kNoTitleYet && !batches.TitleDone(discKept)) break;
                 disc = rowDisc;
                 discKept = false;
+                ++reached;
                 ReportProgress(progress, ++discsSeen, discCount);
             }
             try {
@@ -87,7 +89,6 @@ void frmImport::ImportDeluxeDatabase() {
                 }
                 const qint64 titleId = (*rs)["Titles.TitleID"].toLongLong();
                 if (titleId != previousTitle) {
-                    ++DeluxeTried;
                     previousTitle = titleId;
                     titles->AddNew();
                     titles->Fields("nmcd").SetValue((*rs)["Title"]);
@@ -110,7 +111,8 @@ void frmImport::ImportDeluxeDatabase() {
                     discKept = true;
                 }
                 AddTrack(*tracks, idcd, *rs);
-            } catch (const VbError&) {
+            } catch (const VbError& error) {
+                if (CatalogueCannotBeWritten(error)) throw;
                 if (!OverwriteTitles) {
                     if (WarnTitles)
                         MsgBox("The cd with title '" + NzText((*rs)["Title"]) +
@@ -123,7 +125,6 @@ void frmImport::ImportDeluxeDatabase() {
                     const long position = rs->AbsolutePosition();
                     rs->SetAbsolutePosition(
                         std::max<long>(position, position + (*rs)["NumTracks"].toLongLong() - 1));
-                    ++DeluxeDuplicates;
                     rs->MoveNext();
                     continue;
                 }
@@ -152,9 +153,12 @@ void frmImport::ImportDeluxeDatabase() {
         if (rs->IsEOF() && disc != kNoTitleYet) batches.TitleDone(discKept);
     } catch (const VbError& error) {
         // An error of the overwrite itself, or of a track row, has no further trap.
-        ShowImportStopped(Check1[1]->text(), DeluxePath, error.Number, error.Description);
+        batches.Stop(error, discKept);
     }
     EndProgress(progress);
-    // Titles of a batch that could not be committed did not stay.
-    if (!batches.Finish()) DeluxeDuplicates += batches.Lost();
+    batches.Finish();
+    // The summary counts the discs reached, and as gone wrong every one of them that did not
+    // stay: refused, stopped on, or lost with a batch.
+    DeluxeTried += reached;
+    DeluxeDuplicates += reached - batches.Stayed();
 }

@@ -1,6 +1,7 @@
 // Titles from a TAB-delimited text file: one title a line in fourteen columns, the lookups it
 // names made as they are met.
 
+#include <QFile>
 #include <algorithm>
 
 #include "import/frmImport.h"
@@ -11,6 +12,7 @@
 #include "toolkit/cCommonDialog.h"
 #include "toolkit/longwork.h"
 #include "toolkit/msgbox.h"
+#include "toolkit/textencoding.h"
 #include "toolkit/vbconvert.h"
 #include "toolkit/vberror.h"
 #include "toolkit/vbruntime.h"
@@ -114,6 +116,7 @@ void frmImport::ImportTabLine(const QStringList& Columns, Recordset& rs, bool Wa
     } catch (const VbError& error) {
         // The title of a half-written record goes again; its track rows are left to the store.
         if (idRead) gDatabase->Execute("DELETE FROM title WHERE idcd = " + QString::number(idcd));
+        if (CatalogueCannotBeWritten(error)) throw;
         if (WarnTitles)
             MsgBox("Error " + QString::number(error.Number) + ": " + error.Description, vbCritical,
                    "Error adding title " + Columns.value(4));
@@ -121,9 +124,9 @@ void frmImport::ImportTabLine(const QStringList& Columns, Recordset& rs, bool Wa
 }
 
 void frmImport::ImportTabFile() {
-    QStringList lines;
+    QFile file;
     std::unique_ptr<Recordset> rs;
-    QString path;
+    qint64 lineCount = 0;
     try {
         cCommonDialog dialog;
         dialog.hWnd = this;
@@ -134,10 +137,15 @@ void frmImport::ImportTabFile() {
         dialog.Filter = "textfiles (*.txt)|*.txt|all files (*.*)|*.*";
         dialog.FilterIndex = 1;
         dialog.ShowOpen();
-        path = dialog.Filename;
-        if (path.isEmpty()) return;
+        file.setFileName(dialog.Filename);
+        if (file.fileName().isEmpty()) return;
         rs = gDatabase->OpenRecordset("select * from title where idcd = 0");
-        if (!ReadTextLines(path, lines)) throw VbError(53, "File not found: " + path);
+        if (!file.open(QIODevice::ReadOnly))
+            throw VbError(53, "File not found: " + file.fileName());
+        // The file is read line by line as it is imported, twice: first for the count that the
+        // progress needs.
+        lineCount = TextLineReader(file).CountRest();
+        file.seek(0);
     } catch (const VbError& error) {
         MsgBox("Error " + QString::number(error.Number) + ": " + error.Description, vbCritical,
                "Error when importing from TAB delimited file");
@@ -149,10 +157,12 @@ void frmImport::ImportTabFile() {
         return std::all_of(line.begin(), line.end(), [](QChar c) { return c == u' '; });
     };
     const QString progress = "Importing line";
-    ImportBatches batches(Check1[2]->text(), path);
-    for (qsizetype index = 0; index < lines.size(); ++index) {
-        ReportProgress(progress, index + 1, lines.size());
-        const QString& line = lines[index];
+    ImportBatches batches(Check1[2]->text(), file.fileName());
+    TextLineReader lines(file);
+    QString line;
+    qint32 tried = 0;
+    for (qint64 index = 0; index < lineCount && lines.Next(line); ++index) {
+        ReportProgress(progress, index + 1, lineCount);
         if (blank(line)) {
             DoEvents();
             continue;
@@ -161,10 +171,16 @@ void frmImport::ImportTabFile() {
         bool succeeded = false;
         try {
             columns = line.split('\t');
-            ++TabTried;
+            ++tried;
+            // A recordset of its own for every line: an open one keeps each row added through
+            // it, and a listing may be large.
+            rs = gDatabase->OpenRecordset("select * from title where idcd = 0");
             ImportTabLine(columns, *rs, WarnTitles, succeeded);
-            if (!succeeded) ++TabFailed;
-        } catch (const VbError&) {
+        } catch (const VbError& error) {
+            if (CatalogueCannotBeWritten(error)) {
+                batches.Stop(error, false);
+                break;
+            }
             if (WarnTitles)
                 MsgBox("The cd with title '" + columns.value(3) +
                            "' cannot be added and will be skipped.",
@@ -175,8 +191,10 @@ void frmImport::ImportTabFile() {
     }
     EndProgress(progress);
     batches.Finish();
-    // Titles of a batch that could not be committed did not stay.
-    TabFailed += batches.Lost();
+    // The summary counts the lines reached, and as gone wrong every one of them that did not
+    // stay: refused, stopped on, or lost with a batch.
+    TabTried += tried;
+    TabFailed += tried - batches.Stayed();
 
     if (ShowSummary)
         MsgBox("Tried to import " + QString::number(TabTried) + " title(s) from " +

@@ -47,7 +47,11 @@ ImportBatches::~ImportBatches() {
 }
 
 bool ImportBatches::TitleDone(bool kept) {
-    if (!own_ || failed_) return !failed_;
+    if (failed_) return false;
+    if (!own_) {
+        keptInAll_ += kept ? 1 : 0;
+        return true;
+    }
     // The engine undoes a whole transaction by itself on some failures (a full disk while it
     // writes): the batch is gone, and the statement that failed has told why.
     if (!gDatabase->InTransaction()) {
@@ -56,7 +60,10 @@ bool ImportBatches::TitleDone(bool kept) {
         Fail(cause.Number, cause.Description);
         return false;
     }
-    if (kept) ++kept_;
+    if (kept) {
+        ++kept_;
+        ++keptInAll_;
+    }
     if (++titles_ < kBatchTitles && clock_.elapsed() < kBatchMilliseconds) return true;
     if (!Commit()) return false;
     try {
@@ -66,6 +73,25 @@ bool ImportBatches::TitleDone(bool kept) {
         return false;
     }
     return true;
+}
+
+void ImportBatches::Stop(const VbError& error, bool kept) {
+    if (failed_) return;
+    keptInAll_ += kept ? 1 : 0;
+    if (own_) {
+        kept_ += kept ? 1 : 0;
+        try {
+            // Committing fails too when the engine has already undone the batch.
+            gDatabase->CommitTrans();
+        } catch (const VbError&) {
+            try {
+                if (gDatabase->InTransaction()) gDatabase->Rollback();
+            } catch (const VbError&) {
+            }
+            lost_ = kept_;
+        }
+    }
+    Fail(error.Number, error.Description);
 }
 
 bool ImportBatches::Finish() {

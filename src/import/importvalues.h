@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+class VbError;
+
 // Small pieces the three importers share.
 
 // The lines of a text file, each read as UTF-8 when it is valid UTF-8 and as Windows-1252
@@ -38,10 +40,13 @@ class ImportBatches {
     // After each title; kept tells that it went in (added or renewed). False once a batch is
     // lost: its box has been shown, and the import must stop.
     bool TitleDone(bool kept);
+    // Ends the import on an error that every later title would meet too, with its one box;
+    // kept tells whether the title in flight went in. What can still be committed stays.
+    void Stop(const VbError& error, bool kept);
     // Commits the last batch; false when it is lost.
     bool Finish();
-    // The titles that went in and were lost with a failed batch.
-    int Lost() const { return lost_; }
+    // The titles that went in and stayed: the summary's count of what did not go wrong.
+    int Stayed() const { return keptInAll_ - lost_; }
 
   private:
     bool Commit();
@@ -53,6 +58,7 @@ class ImportBatches {
     bool failed_ = false;
     int titles_ = 0;
     int kept_ = 0;
+    int keptInAll_ = 0;
     int lost_ = 0;
     QElapsedTimer clock_;
 };

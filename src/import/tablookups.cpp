@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "lookups/lookupengine.h"
 #include "lookups/lookupoperations.h"
 #include "store/catalogue.h"
 
@@ -20,6 +21,7 @@ void FindOrAdd(const QString& sql, const QString& idField, const QString& name, 
     }
     if (!create) return;
     QString wanted = name;
+    const LastingLookupErrorsPassedOn stopsTheImport;
     const QString result = add(kLookupAdd, parent, wanted);
     id = result.isEmpty() ? 0 : LookupResultId(result);
 }

@@ -11,6 +11,8 @@ namespace {
 
 constexpr long kFirstUserPlatform = 6;
 
+int gLastingErrorsPassedOn = 0;
+
 void SetDirtyFlags(bool tree, bool list) {
     if (tree) gTreeDirty = true;
     if (list) gListDirty = true;
@@ -124,7 +126,16 @@ QString ModifyLookup(const LookupTable& lookup, int action, long id, QString& na
                 return {};
         }
     } catch (const VbError& error) {
+        if (gLastingErrorsPassedOn > 0 && CatalogueCannotBeWritten(error)) throw;
         MsgBox(error.Description, vbCritical);
         return {};
     }
+}
+
+LastingLookupErrorsPassedOn::LastingLookupErrorsPassedOn() {
+    ++gLastingErrorsPassedOn;
+}
+
+LastingLookupErrorsPassedOn::~LastingLookupErrorsPassedOn() {
+    --gLastingErrorsPassedOn;
 }

@@ -25,3 +25,14 @@ struct LookupTable {
 // Adds (action 1), renames (2) or deletes (3) a row of the described table; see
 // lookupoperations.h for the arguments and the result string.
 QString ModifyLookup(const LookupTable& lookup, int action, long id, QString& name);
+
+// While one lives, ModifyLookup passes an error that every later change would meet too
+// (CatalogueCannotBeWritten) on to its caller instead of showing it: an import that makes the
+// lookups of many lines stops on it with one box.
+class LastingLookupErrorsPassedOn {
+  public:
+    LastingLookupErrorsPassedOn();
+    ~LastingLookupErrorsPassedOn();
+    LastingLookupErrorsPassedOn(const LastingLookupErrorsPassedOn&) = delete;
+    LastingLookupErrorsPassedOn& operator=(const LastingLookupErrorsPassedOn&) = delete;
+};

@@ -26,3 +26,14 @@ QString CatalogueFolder() {
     QDir().mkpath(dataFolder);
     return dataFolder;
 }
+
+bool CatalogueCannotBeWritten(const VbError& error) {
+    switch (error.Number) {
+        case jetObjectReadOnly:
+        case 3035:  // System resource exceeded: the disk is full.
+        case 3043:  // Disk or network error.
+            return true;
+        default:
+            return false;
+    }
+}

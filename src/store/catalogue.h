@@ -21,6 +21,11 @@ extern QString gViewSQL;
 // write there (a system-wide install), $XDG_DATA_HOME/velmora, made on first use.
 QString CatalogueFolder();
 
+// An error that every later change of the catalogue would meet too: it cannot be written (a
+// read-only file or folder), the disk is full or failing. Work that writes many rows stops on
+// the first one instead of reporting each.
+bool CatalogueCannotBeWritten(const VbError& error);
+
 // Opens gDatabasePath exclusively with the password into gDatabase.
 void OpenCatalogue();
 

@@ -109,6 +109,9 @@ void RaiseSqlite(const Connection& connection, sqlite3_stmt* failed) {
                   "Could not use '" + connection.path + "'; file already in use.");
         case SQLITE_LOCKED:
             Raise(3211, message);
+        case SQLITE_READONLY:
+            // A catalogue whose folder is read-only cannot make its journal there.
+            Raise(jetObjectReadOnly);
         case SQLITE_IOERR:
             Raise(3043, "Disk or network error.");
         case SQLITE_FULL:

@@ -1,5 +1,6 @@
 #include "toolkit/textencoding.h"
 
+#include <QBuffer>
 #include <QHash>
 #include <QStringDecoder>
 #include <array>
@@ -64,27 +65,46 @@ DecodedText DecodeText(const QByteArray& bytes) {
 }
 
 QStringList DecodeLines(const QByteArray& bytes) {
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    TextLineReader reader(buffer);
     QStringList lines;
-    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const auto decode = [&utf8](QByteArrayView line) {
-        QString text = utf8(line);
-        if (utf8.hasError()) {
-            utf8.resetState();
-            return FromWindows1252(line.toByteArray());
-        }
-        return text;
-    };
-    qsizetype start = bytes.startsWith(kBom) ? kBom.size() : 0;
-    const qsizetype size = bytes.size();
-    for (qsizetype at = start; at < size; ++at) {
-        const char byte = bytes[at];
-        if (byte != '\r' && byte != '\n') continue;
-        lines << decode(QByteArrayView(bytes).sliced(start, at - start));
-        if (byte == '\r' && at + 1 < size && bytes[at + 1] == '\n') ++at;
-        start = at + 1;
-    }
-    if (start < size) lines << decode(QByteArrayView(bytes).sliced(start));
+    for (QString line; reader.Next(line);) lines << line;
     return lines;
+}
+
+bool TextLineReader::NextBytes(QByteArrayView& line) {
+    while (at_ >= chunk_.size()) {
+        // A line is never empty when it comes from the device: it holds at least its LF.
+        chunk_ = device_.readLine();
+        at_ = 0;
+        if (chunk_.isEmpty()) return false;
+        if (!started_ && chunk_.startsWith(kBom)) at_ = kBom.size();
+        started_ = true;
+    }
+    const QByteArrayView rest = QByteArrayView(chunk_).sliced(at_);
+    qsizetype end = 0;
+    while (end < rest.size() && rest[end] != '\r' && rest[end] != '\n') ++end;
+    line = rest.first(end);
+    at_ += end + 1;
+    if (end + 1 < rest.size() && rest[end] == '\r' && rest[end + 1] == '\n') ++at_;
+    return true;
+}
+
+bool TextLineReader::Next(QString& line) {
+    QByteArrayView bytes;
+    if (!NextBytes(bytes)) return false;
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    line = utf8(bytes);
+    if (utf8.hasError()) line = FromWindows1252(bytes.toByteArray());
+    return true;
+}
+
+qint64 TextLineReader::CountRest() {
+    qint64 count = 0;
+    for (QByteArrayView bytes; NextBytes(bytes);) ++count;
+    return count;
 }
 
 QByteArray EncodeText(const QString& text, TextEncoding encoding) {

@@ -46,6 +46,31 @@ int RefuseCommit(void* allowed) {
     return --*static_cast<int*>(allowed) < 0;
 }
 
+// From the given step of an import on, the catalogue refuses every change, as one whose folder
+// is read-only or whose disk is full does.
+class CatalogueLockedAtStep {
+  public:
+    explicit CatalogueLockedAtStep(qint64 step)
+        : handle_(AddProgressListener([step](const QString&, qint64 done, qint64) {
+              if (done == step) SetQueryOnly(true);
+          })) {}
+    ~CatalogueLockedAtStep() {
+        RemoveProgressListener(handle_);
+        SetQueryOnly(false);
+    }
+    CatalogueLockedAtStep(const CatalogueLockedAtStep&) = delete;
+    CatalogueLockedAtStep& operator=(const CatalogueLockedAtStep&) = delete;
+
+  private:
+    static void SetQueryOnly(bool on) {
+        sqlite3_exec(gDatabase->Handle(), on ? "PRAGMA query_only = 1" : "PRAGMA query_only = 0",
+                     nullptr, nullptr, nullptr);
+    }
+    int handle_;
+};
+
+const QString kReadOnly = "Error 3027: Cannot update. Database or object is read-only.";
+
 }  // namespace
 
 class ImportTest : public QObject {
@@ -177,6 +202,100 @@ class ImportTest : public QObject {
         QCOMPARE(boxes[1].prompt, "Tried to import " + QString::number(window.TabTried) +
                                       " title(s) from TAB delimited file\r\nOf those " +
                                       QString::number(window.TabFailed) + " went wrong.");
+        QVERIFY(!gDatabase->InTransaction());
+    }
+
+    // An import stopped half-way counts as tried the titles it reached, and as gone wrong every
+    // one of them that did not stay. A catalogue that cannot be written stops it at once, with
+    // one box however many lines or lookups are left.
+    void anImportStoppedHalfWayCountsWhatStayed() {
+        ScriptedDialogs dialogs;
+        // Overwriting, a new disc whose artist has an apostrophe cannot be renewed: the import
+        // stops there, and the third disc is never read.
+        const QString ini = WriteCdPlayerIni(
+            "[A1]\r\nartist=Band\r\ntitle=One\r\nnumtracks=1\r\n"
+            "[B2]\r\nartist=O'Brien\r\ntitle=Two\r\nnumtracks=1\r\n"
+            "[C3]\r\nartist=Other\r\ntitle=Three\r\nnumtracks=1\r\n");
+        const long before = RowCount("title");
+        {
+            frmImport window;
+            window.Form_Load();
+            ChooseDefaults(window);
+            window.OverwriteTitles = true;
+            window.ImportCdPlayerIni();
+            QCOMPARE(
+                dialogs.takeBoxes(),
+                Boxes({{"The import from " + ini + " stopped.\r\nError 3021: No current record.",
+                        vbCritical, kIniSource}}));
+            QCOMPARE(window.IniTried, 2);
+            QCOMPARE(window.IniDuplicates, 1);
+            QCOMPARE(RowCount("title") - before, 1L);
+        }
+
+        // The catalogue refuses every change from the second disc on: one box, and the counts
+        // match what is in it.
+        const QString stoppedIni = "The import from " + ini + " stopped.\r\n" + kReadOnly;
+        WriteBytes(ini,
+                   "[D4]\r\nartist=Four\r\ntitle=Four\r\n[E5]\r\nartist=Five\r\n"
+                   "title=Five\r\n[F6]\r\nartist=Six\r\ntitle=Six\r\n");
+        {
+            const long start = RowCount("title");
+            const CatalogueLockedAtStep locked(2);
+            frmImport window;
+            window.Form_Load();
+            ChooseDefaults(window);
+            window.ImportCdPlayerIni();
+            QCOMPARE(dialogs.takeBoxes(), Boxes({{stoppedIni, vbCritical, kIniSource}}));
+            QCOMPARE(window.IniTried, 2);
+            QCOMPARE(long(window.IniTried - window.IniDuplicates), RowCount("title") - start);
+        }
+
+        QVERIFY(QDir().mkpath(prefix->path() + "/drive_c/Program Files/Plus!"));
+        QVERIFY(QFile::copy(FixturePath("deluxe/cd_pk.mdb"),
+                            prefix->path() + "/drive_c/Program Files/Plus!/DeluxeCD.mdb"));
+        WriteBytes(prefix->path() + "/user.reg",
+                   "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
+                   "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
+        {
+            const long start = RowCount("title");
+            const CatalogueLockedAtStep locked(3);
+            frmImport window;
+            window.Form_Load();
+            ChooseDefaults(window);
+            window.ImportDeluxeDatabase();
+            const Boxes boxes = dialogs.takeBoxes();
+            QCOMPARE(boxes.size(), 1);
+            QCOMPARE(boxes[0].prompt,
+                     "The import from " + window.DeluxePath + " stopped.\r\n" + kReadOnly);
+            QCOMPARE(window.DeluxeTried, 3);
+            QCOMPARE(long(window.DeluxeTried - window.DeluxeDuplicates), RowCount("title") - start);
+        }
+
+        // Every line names a vendor of its own; "Warn me" is off.
+        const QString path = folder->file("vendors.txt");
+        QByteArray lines;
+        for (int line = 0; line < 50; ++line)
+            lines += TabRecord("New vendor " + QByteArray::number(line),
+                               "Line " + QByteArray::number(line)) +
+                     "\n";
+        WriteBytes(path, lines);
+        {
+            const long start = RowCount("title");
+            const CatalogueLockedAtStep locked(4);
+            frmImport window;
+            window.Form_Load();
+            dialogs.answerFile(path);
+            window.ImportTabFile();
+            QCOMPARE(window.TabTried, 4);
+            QCOMPARE(window.TabFailed, 1);
+            QCOMPARE(RowCount("title") - start, 3L);
+            QCOMPARE(dialogs.takeBoxes(),
+                     Boxes({{"The import from " + path + " stopped.\r\n" + kReadOnly, vbCritical,
+                             "Importing from TAB delimited file"},
+                            {"Tried to import 4 title(s) from TAB delimited file\r\nOf those 1 "
+                             "went wrong.",
+                             vbInformation, "Velmora"}}));
+        }
         QVERIFY(!gDatabase->InTransaction());
     }
 
