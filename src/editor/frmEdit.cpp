@@ -235,6 +235,8 @@ void frmEdit::BuildWindow() {
     }
 
     auto* fields = new QGridLayout;
+    // The longest caption, "Jewelcase label", must not run into its field.
+    fields->setHorizontalSpacing(fontMetrics().height());
     fields->addWidget(caption("Title", "The title for the cd"), 0, 0);
     fields->addWidget(txtTitle, 0, 1);
     fields->addWidget(

@@ -5,8 +5,10 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "lookups/viewqueries.h"
 #include "shell/mGlobalFunctions.h"
@@ -311,7 +313,22 @@ void frmFind::closeEvent(QCloseEvent* event) {
 }
 
 void ShowFindWindow(QWidget* owner) {
-    if (!gFindForm) gFindForm = new frmFind(owner);
+    if (!gFindForm) {
+        gFindForm = new frmFind(owner);
+        // The design gives the window no place: it opens over the middle of its owner, within
+        // the owner's screen.
+        if (owner) {
+            gFindForm->adjustSize();
+            QRect place(QPoint(), gFindForm->size());
+            place.moveCenter(owner->frameGeometry().center());
+            const QRect screen = owner->screen()->availableGeometry();
+            place.moveLeft(std::clamp(place.left(), screen.left(),
+                                      std::max(screen.left(), screen.right() - place.width())));
+            place.moveTop(std::clamp(place.top(), screen.top(),
+                                     std::max(screen.top(), screen.bottom() - place.height())));
+            gFindForm->move(place.topLeft());
+        }
+    }
     gFindForm->show();
     gFindForm->raise();
     gFindForm->activateWindow();

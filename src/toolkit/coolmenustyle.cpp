@@ -42,6 +42,13 @@ void DrawEngraved(QPainter* painter, const QRect& rect, int flags, const QString
     painter->drawText(rect, flags, text);
 }
 
+// Three quarters of the way from background to colour: a dimmed text that still reads.
+QColor Blend(const QColor& colour, const QColor& background) {
+    return QColor((colour.red() * 3 + background.red()) / 4,
+                  (colour.green() * 3 + background.green()) / 4,
+                  (colour.blue() * 3 + background.blue()) / 4);
+}
+
 }  // namespace
 
 CoolMenuStyle::CoolMenuStyle(const WndCoolMenu* window) : window_(window) {}
@@ -126,14 +133,16 @@ void CoolMenuStyle::DrawItem(const QStyleOptionMenuItem* item, QPainter* painter
     const QRect textRect(box.right() + 6, item->rect.top(), item->rect.right() - box.right() - 14,
                          item->rect.height());
 
+    // A disabled item comes with the disabled palette, whose highlight is grey: the bar keeps
+    // the active colour, as the system's menus do.
+    const QColor bar = window_->SelectColor.isValid()
+                           ? window_->SelectColor
+                           : item->palette.color(QPalette::Active, QPalette::Highlight);
     if (selected) {
-        const QColor bar = window_->SelectColor.isValid()
-                               ? window_->SelectColor
-                               : item->palette.color(QPalette::Highlight);
         const QRect barRect = window_->FullSelect ? item->rect : textRect.adjusted(-3, 0, 8, 0);
         painter->fillRect(barRect, bar);
     }
-    const QColor text = selected ? item->palette.color(QPalette::HighlightedText)
+    const QColor text = selected ? item->palette.color(QPalette::Active, QPalette::HighlightedText)
                         : window_->ForeColor.isValid() ? window_->ForeColor
                                                        : item->palette.color(QPalette::Text);
 
@@ -178,8 +187,9 @@ void CoolMenuStyle::DrawItem(const QStyleOptionMenuItem* item, QPainter* painter
     const QString caption = item->text.left(tab);
     const QString shortcut = tab >= 0 ? item->text.mid(tab + 1) : QString();
     if (enabled || selected) {
-        // A highlighted disabled item is greyed on the bar, where a relief would not show.
-        painter->setPen(enabled ? text : item->palette.color(QPalette::Disabled, QPalette::Text));
+        // A highlighted disabled item is dimmed on the bar, where a relief would not show: its
+        // text lies between the bar and the highlighted text, still readable on the bar.
+        painter->setPen(enabled ? text : Blend(text, bar));
         painter->drawText(captionRect, flags | Qt::AlignLeft, caption);
         painter->drawText(captionRect, flags | Qt::AlignRight, shortcut);
     } else {

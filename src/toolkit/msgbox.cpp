@@ -1,6 +1,7 @@
 #include "toolkit/msgbox.h"
 
 #include <QApplication>
+#include <QGridLayout>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
@@ -66,6 +67,19 @@ int EscapeResult(const QList<ButtonChoice>& choices) {
     return choices.size() == 1 ? choices.first().result : vbCancel;
 }
 
+// A box is at least as wide as its caption. The title bar is the window manager's: its caption
+// is taken as bold in the box's font, beside room for the bar's icon and three buttons.
+void FitCaption(QLayout* layout, const QFont& font, const QString& caption) {
+    auto* grid = qobject_cast<QGridLayout*>(layout);
+    if (!grid) return;
+    QFont bold = font;
+    bold.setBold(true);
+    const QFontMetrics metrics(bold);
+    const int width = metrics.horizontalAdvance(caption) + 4 * (metrics.height() + 8);
+    grid->addItem(new QSpacerItem(width, 0, QSizePolicy::Minimum, QSizePolicy::Fixed),
+                  grid->rowCount(), 0, 1, grid->columnCount());
+}
+
 }  // namespace
 
 void SetMsgBoxResponder(std::function<int(const MsgBoxCall&)> responder) {
@@ -95,6 +109,7 @@ int MsgBox(const QString& prompt, int flags, const QString& title) {
         QPushButton* button = box->addButton(choices[i].button);
         if (i == defaultIndex) box->setDefaultButton(button);
     }
+    FitCaption(box->layout(), box->font(), caption);
     box.exec();
     QAbstractButton* clicked = box.Alive() ? box->clickedButton() : nullptr;
     if (!clicked) return EscapeResult(choices);
