@@ -1,8 +1,11 @@
 #include "bench/importscenarios.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
+#include <QTextStream>
 #include <functional>
 
 #include "bench/deluxescenarios.h"
@@ -89,12 +92,38 @@ QByteArray CdPlayerIni(int sections) {
     return text;
 }
 
-long ResidentKilobytes() {
+// A figure of this process's /proc status in kB: VmRSS now, VmHWM the peak so far.
+long StatusKilobytes(const QByteArray& field = "VmRSS:") {
     QFile status("/proc/self/status");
     if (!status.open(QIODevice::ReadOnly)) return 0;
     for (const QByteArray& line : status.readAll().split('\n'))
-        if (line.startsWith("VmRSS:")) return line.mid(6).trimmed().split(' ').value(0).toLong();
+        if (line.startsWith(field))
+            return line.mid(field.size()).trimmed().split(' ').value(0).toLong();
     return 0;
+}
+
+long ResidentKilobytes() {
+    return StatusKilobytes();
+}
+
+const int kLargeTabDiscs = 1000;
+
+// Data discs whose listings make the file about megabytes MB, written line by line.
+void WriteLargeTabFile(const QString& path, int megabytes) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) throw VbError(0, "Cannot write " + path);
+    const qint64 lineBytes = qint64(megabytes) * 1024 * 1024 / kLargeTabDiscs;
+    for (int disc = 0; disc < kLargeTabDiscs; ++disc) {
+        QByteArray listing;
+        listing.reserve(lineBytes + 64);
+        for (int entry = 0; listing.size() < lineBytes - 200; ++entry)
+            listing += "SETUP\\DATA" + QByteArray::number(entry / 100) + "\\FILE" +
+                       QByteArray::number(entry) + ".CAB<NEWLINE>";
+        const QByteArray line =
+            "PC\tApplications\tOffice\tVendor " + QByteArray::number(disc % 50) + "\tData disc " +
+            QByteArray::number(disc) + "\tCD-R\t\t\t" + listing + "\t\t0\t\t\t1\r\n";
+        if (file.write(line) != line.size()) throw VbError(0, "Cannot write " + path);
+    }
 }
 
 double Milliseconds(const QElapsedTimer& timer) {
@@ -199,4 +228,55 @@ std::vector<double> TimeDeluxeImport(int titles, int runs, const QString& catalo
                                      .arg(window.DeluxeTried));
         },
         catalogueFolder.isEmpty() ? QString() : catalogueFolder + "/data.gdb");
+}
+
+int RunLargeTabImportChild(const QString& file, const QString& folder) {
+    try {
+        SetMsgBoxResponder([](const MsgBoxCall& call) -> int {
+            throw VbError(0, "unexpected box: " + call.prompt);
+        });
+        SetFileChooser([&file](const FileDialogCall&) {
+            FileDialogAnswer answer;
+            answer.filename = file;
+            answer.filenames = {file};
+            return answer;
+        });
+        InstallCatalogue(folder);
+        frmImport window;
+        window.Form_Load();
+        window.ShowSummary = false;
+        QElapsedTimer timer;
+        timer.start();
+        window.ImportTabFile();
+        const double milliseconds = Milliseconds(timer);
+        if (window.TabTried != kLargeTabDiscs || window.TabFailed != 0)
+            throw VbError(
+                0, QString("%1 of %2 lines failed").arg(window.TabFailed).arg(window.TabTried));
+        CloseCatalogue();
+        QTextStream(stdout) << milliseconds << " " << StatusKilobytes("VmHWM:") << "\n";
+        return 0;
+    } catch (const VbError& error) {
+        QTextStream(stderr) << error.Description << "\n";
+        return 1;
+    }
+}
+
+std::vector<double> TimeLargeTabImport(int megabytes, int runs, double& peakMegabytes) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath("discs.txt");
+    WriteLargeTabFile(path, megabytes);
+    peakMegabytes = 0;
+    std::vector<double> times;
+    for (int run = 0; run < runs; ++run) {
+        QTemporaryDir folder;
+        QProcess child;
+        child.start(QCoreApplication::applicationFilePath(),
+                    {kLargeTabImportChild, path, folder.path()});
+        if (!child.waitForFinished(-1) || child.exitCode() != 0)
+            throw VbError(0, "the import child failed: " + child.readAllStandardError());
+        const QList<QByteArray> figures = child.readAllStandardOutput().trimmed().split(' ');
+        times.push_back(figures.value(0).toDouble());
+        peakMegabytes = std::max(peakMegabytes, figures.value(1).toLong() / 1024.0);
+    }
+    return times;
 }
