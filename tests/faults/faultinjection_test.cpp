@@ -9,6 +9,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <QRadioButton>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <csignal>
@@ -223,7 +224,11 @@ class DripServer : public QTcpServer {
 ChildRun Run(const QString& operation, const QString& folder, Cut cut, qint64 step,
              const QString& url) {
     QProcess child;
+    // A child that is killed cannot clean up its temporary files: it works in a folder of its
+    // own, which goes when it has ended.
+    QTemporaryDir temp;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("TMPDIR", temp.path());
     environment.insert("WINEPREFIX", folder + "/wine");
     environment.insert("VELMORA_FAULT_URL", url);
     child.setProcessEnvironment(environment);
@@ -418,6 +423,9 @@ class FaultInjectionTest : public QObject {
         const CatalogueState state = InspectCatalogue(folder);
         QVERIFY2(state.integrity == "ok", qPrintable(label + ": " + state.integrity));
         QVERIFY2(state.partialTitles == 0, qPrintable(label));
+        const QStringList leftInTemp =
+            QDir(QDir::tempPath()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+        QVERIFY2(leftInTemp.isEmpty(), qPrintable(label + ": " + leftInTemp.join(' ')));
 
         // Imports: exactly what the summaries said stayed; a cut before the summary keeps whole
         // titles only.
@@ -490,6 +498,10 @@ class FaultInjectionTest : public QObject {
     void initTestCase() {
         QVERIFY(work.isValid());
         QVERIFY(server.isListening());
+        // The children's temporary folders are made in a folder that this test alone uses, so
+        // that what they leave there can be seen.
+        QVERIFY(QDir().mkpath(work.path() + "/temp"));
+        qputenv("TMPDIR", QFile::encodeName(work.path() + "/temp"));
         MakeBase();
     }
 
