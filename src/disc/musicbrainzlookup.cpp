@@ -63,8 +63,8 @@ void MusicBrainzLookup::Sending() {
 }
 
 void MusicBrainzLookup::TakeReleases(const Answer& answer) {
-    if (answer.status == 0) return Fail(answer.failure);
-    if (answer.status != 200) return Fail(UnexpectedStatus(answer));
+    if (const QString unanswered = NotAnswered(answer); !unanswered.isEmpty())
+        return Fail(unanswered);
     QList<DiscMatch> matches, withoutTracks;
     QString problem;
     if (!ReadMusicBrainzAnswer(answer.body, ids_.musicBrainzId, ids_.audioTracks, matches,
