@@ -1,5 +1,6 @@
 #include "disc/cddbanswer.h"
 
+#include <QRegularExpression>
 #include <QStringDecoder>
 
 namespace {
@@ -42,6 +43,19 @@ QString Unescaped(const QString& value) {
     return text;
 }
 
+// The line that ends a list or an entry; an answer without it was cut off.
+qsizetype EndLine(const QStringList& lines) {
+    return lines.indexOf(".", 1);
+}
+
+const QString kCutOff = "the server's answer ended before its closing \".\" line.";
+
+// Programs that write no DYEAR keep the year in the extended data: "YEAR: 1999 ID3G: 17".
+QString ExtendedDataYear(const QString& extended) {
+    static const QRegularExpression year("\\bYEAR:\\s*(\\d{4})\\b");
+    return year.match(extended).captured(1);
+}
+
 }  // namespace
 
 CddbQueryResult ReadCddbQueryAnswer(const QByteArray& answer, QList<CddbEntryName>& entries,
@@ -59,7 +73,12 @@ CddbQueryResult ReadCddbQueryAnswer(const QByteArray& answer, QList<CddbEntryNam
     if (code == "200") {
         take(status.mid(4));
     } else if (code == "210" || code == "211") {
-        for (qsizetype at = 1; at < lines.size() && lines[at] != "."; ++at) take(lines[at]);
+        const qsizetype end = EndLine(lines);
+        if (end < 0) {
+            problem = kCutOff;
+            return CddbQueryResult::Refused;
+        }
+        for (qsizetype at = 1; at < end; ++at) take(lines[at]);
     } else {
         problem = ServerSaid(status);
         return CddbQueryResult::Refused;
@@ -79,10 +98,15 @@ bool ReadCddbEntry(const QByteArray& answer, const CddbEntryName& name, DiscMatc
         problem = ServerSaid(lines.first());
         return false;
     }
-    QString discTitle, year;
+    const qsizetype end = EndLine(lines);
+    if (end < 0) {
+        problem = kCutOff;
+        return false;
+    }
+    QString discTitle, year, extended;
     QStringList tracks;
     bool anyTrack = false;
-    for (qsizetype at = 1; at < lines.size() && lines[at] != "."; ++at) {
+    for (qsizetype at = 1; at < end; ++at) {
         const QString& line = lines[at];
         const qsizetype equals = line.indexOf('=');
         if (line.startsWith('#') || equals < 0) continue;
@@ -92,6 +116,8 @@ bool ReadCddbEntry(const QByteArray& answer, const CddbEntryName& name, DiscMatc
             discTitle += value;
         } else if (key == "DYEAR") {
             year += value.trimmed();
+        } else if (key == "EXTD") {
+            extended += value;
         } else if (key.startsWith("TTITLE")) {
             bool number = false;
             const int track = key.mid(6).toInt(&number);
@@ -102,7 +128,7 @@ bool ReadCddbEntry(const QByteArray& answer, const CddbEntryName& name, DiscMatc
         }
     }
     if (discTitle.trimmed().isEmpty() && !anyTrack) {
-        problem = "the entry " + name.genre + "/" + name.discId + " holds no disc title.";
+        problem = "the entry holds no disc title.";
         return false;
     }
     DiscMatch read;
@@ -112,7 +138,7 @@ bool ReadCddbEntry(const QByteArray& answer, const CddbEntryName& name, DiscMatc
     const qsizetype separator = discTitle.indexOf(" / ");
     read.artist = (separator < 0 ? discTitle : discTitle.left(separator)).trimmed();
     read.title = (separator < 0 ? discTitle : discTitle.mid(separator + 3)).trimmed();
-    read.year = year;
+    read.year = year.isEmpty() ? ExtendedDataYear(extended) : year;
     read.format = "CD";
     for (QString& track : tracks) track = track.trimmed();
     read.tracks = tracks;

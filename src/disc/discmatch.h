@@ -26,3 +26,8 @@ struct DiscMatch {
 
 // The memo line that records where a title's names came from.
 QString MatchMemoLine(const DiscMatch& match);
+
+// Each run of control characters (a tab, a line end, a NUL, a bell...) in the match's text
+// becomes one space, and none is left at either end: the databases' text goes into one-line
+// fields, and the track names are joined by line ends.
+void ReplaceControlCharacters(DiscMatch& match);

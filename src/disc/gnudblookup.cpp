@@ -29,12 +29,14 @@ void GnudbLookup::Start(const OnlineDiscIds& ids) {
                 return Fail(problem);
             case CddbQueryResult::Found:
                 matches_.clear();
+                unread_.clear();
+                next_ = 0;
                 return ReadNext();
         }
     });
 }
 
-void GnudbLookup::Command(const QString& command, AnswerHandler then) {
+QString GnudbLookup::Path(const QString& command) const {
     const QString version = QString("%1.%2.%3").arg(App.Major).arg(App.Minor).arg(App.Revision);
     // gnudb wants the user's e-mail address in the greeting: "name@host" goes in as its user
     // and host.
@@ -42,25 +44,30 @@ void GnudbLookup::Command(const QString& command, AnswerHandler then) {
     const QString name = at > 0 ? user_.left(at) : user_;
     const QString host = at > 0 ? user_.mid(at + 1) : QString("localhost");
     const QString hello = QStringList{Encoded(name), Encoded(host), App.Title, version}.join('+');
-    Get("/~cddb/cddb.cgi?cmd=" + command + "&hello=" + hello + "&proto=6", 0,
-        [this, then](const Answer& answer) {
-            if (answer.status == 0) return Fail(answer.failure);
-            if (answer.status != 200) return Fail(UnexpectedStatus(answer));
-            then(answer);
-        });
+    return "/~cddb/cddb.cgi?cmd=" + command + "&hello=" + hello + "&proto=6";
+}
+
+void GnudbLookup::Command(const QString& command, AnswerHandler then) {
+    Get(Path(command), 0, [this, then](const Answer& answer) {
+        if (const QString problem = NotAnswered(answer); !problem.isEmpty()) return Fail(problem);
+        then(answer);
+    });
 }
 
 void GnudbLookup::ReadNext() {
-    if (matches_.size() == entries_.size()) return Succeed(matches_);
-    const CddbEntryName entry = entries_[matches_.size()];
-    emit Progress(
-        QString("Reading gnudb entry %1 of %2...").arg(matches_.size() + 1).arg(entries_.size()));
-    Command("cddb+read+" + Encoded(entry.genre) + "+" + Encoded(entry.discId),
-            [this, entry](const Answer& answer) {
-                DiscMatch match;
-                QString problem;
-                if (!ReadCddbEntry(answer.body, entry, match, problem)) return Fail(problem);
+    if (next_ == entries_.size()) return Finish(matches_, unread_.join(' '));
+    const CddbEntryName entry = entries_[next_++];
+    emit Progress(QString("Reading gnudb entry %1 of %2...").arg(next_).arg(entries_.size()));
+    // An entry that cannot be read costs only itself: the user is told which it was.
+    Get(Path("cddb+read+" + Encoded(entry.genre) + "+" + Encoded(entry.discId)), 0,
+        [this, entry](const Answer& answer) {
+            DiscMatch match;
+            QString problem = NotAnswered(answer);
+            if (problem.isEmpty() && ReadCddbEntry(answer.body, entry, match, problem))
                 matches_ << match;
-                ReadNext();
-            });
+            else
+                unread_ << "entry " + entry.genre + "/" + entry.discId +
+                               " could not be read: " + problem;
+            ReadNext();
+        });
 }

@@ -35,7 +35,8 @@ QStringList TrackTitles(const QJsonArray& tracks) {
 }  // namespace
 
 bool ReadMusicBrainzAnswer(const QByteArray& json, const QString& discId, int audioTracks,
-                           QList<DiscMatch>& matches, QString& problem) {
+                           QList<DiscMatch>& matches, QList<DiscMatch>& withoutTracks,
+                           QString& problem) {
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(json, &error);
     if (error.error != QJsonParseError::NoError) {
@@ -47,7 +48,7 @@ bool ReadMusicBrainzAnswer(const QByteArray& json, const QString& discId, int au
         problem = "the answer holds no list of releases.";
         return false;
     }
-    QList<DiscMatch> found;
+    QList<DiscMatch> found, trackless;
     for (const QJsonValue& releaseValue : document["releases"].toArray()) {
         const QJsonObject release = releaseValue.toObject();
         const QJsonArray media = release["media"].toArray();
@@ -55,7 +56,7 @@ bool ReadMusicBrainzAnswer(const QByteArray& json, const QString& discId, int au
             const QJsonObject medium = mediumValue.toObject();
             const QJsonArray tracks = medium["tracks"].toArray();
             const bool carries = CarriesDisc(medium, discId);
-            if (tracks.isEmpty() || (!carries && tracks.size() != audioTracks)) continue;
+            if (!carries && (tracks.isEmpty() || tracks.size() != audioTracks)) continue;
             DiscMatch match;
             match.source = "MusicBrainz";
             match.identifier = release["id"].toString();
@@ -68,9 +69,10 @@ bool ReadMusicBrainzAnswer(const QByteArray& json, const QString& discId, int au
             match.discCount = static_cast<int>(media.size());
             match.tracks = TrackTitles(tracks);
             match.discIdMatched = carries;
-            found << match;
+            (tracks.isEmpty() ? trackless : found) << match;
         }
     }
     matches = found;
+    withoutTracks = trackless;
     return true;
 }

@@ -17,11 +17,6 @@ QElapsedTimer& LastRequest() {
     return last;
 }
 
-int WaitBeforeNextRequest() {
-    const QElapsedTimer& last = LastRequest();
-    return last.isValid() ? static_cast<int>(kRequestIntervalMs - last.elapsed()) : 0;
-}
-
 }  // namespace
 
 MusicBrainzLookup::MusicBrainzLookup(const QString& server, QObject* parent)
@@ -29,6 +24,7 @@ MusicBrainzLookup::MusicBrainzLookup(const QString& server, QObject* parent)
 
 void MusicBrainzLookup::Start(const OnlineDiscIds& ids) {
     ids_ = ids;
+    withoutTracks_.clear();
     emit Progress("Asking MusicBrainz...");
     Ask("/ws/2/discid/" + QString::fromLatin1(QUrl::toPercentEncoding(ids.musicBrainzId)) + "?" +
             kIncludes,
@@ -44,17 +40,22 @@ void MusicBrainzLookup::Start(const OnlineDiscIds& ids) {
 }
 
 void MusicBrainzLookup::Ask(const QString& path, AnswerHandler then) {
-    Get(path, WaitBeforeNextRequest(), [this, path, then](const Answer& answer) {
+    Get(path, 0, [this, path, then](const Answer& answer) {
         if (answer.status != 503) return then(answer);
         const int wait = answer.retryAfter < 0 ? 1 : answer.retryAfter;
         if (wait > kMaxRetryAfterSeconds) return Fail(kBusy);
         emit Progress("MusicBrainz is busy; asking again in " + QString::number(wait) + " s...");
-        Get(path, std::max(wait * 1000, WaitBeforeNextRequest()),
-            [this, then](const Answer& again) {
-                if (again.status == 503) return Fail(kBusy);
-                then(again);
-            });
+        Get(path, wait * 1000, [this, then](const Answer& again) {
+            if (again.status == 503) return Fail(kBusy);
+            then(again);
+        });
     });
+}
+
+int MusicBrainzLookup::WaitBeforeSending() const {
+    const QElapsedTimer& last = LastRequest();
+    // elapsed() counts whole milliseconds passed, so the interval is never cut short.
+    return last.isValid() ? static_cast<int>(kRequestIntervalMs - last.elapsed()) : 0;
 }
 
 void MusicBrainzLookup::Sending() {
@@ -62,11 +63,14 @@ void MusicBrainzLookup::Sending() {
 }
 
 void MusicBrainzLookup::TakeReleases(const Answer& answer) {
-    if (answer.status == 0) return Fail(answer.failure);
-    if (answer.status != 200) return Fail(UnexpectedStatus(answer));
-    QList<DiscMatch> matches;
+    if (const QString unanswered = NotAnswered(answer); !unanswered.isEmpty())
+        return Fail(unanswered);
+    QList<DiscMatch> matches, withoutTracks;
     QString problem;
-    if (!ReadMusicBrainzAnswer(answer.body, ids_.musicBrainzId, ids_.audioTracks, matches, problem))
+    if (!ReadMusicBrainzAnswer(answer.body, ids_.musicBrainzId, ids_.audioTracks, matches,
+                               withoutTracks, problem))
         return Fail(problem);
+    for (DiscMatch& release : withoutTracks) ReplaceControlCharacters(release);
+    withoutTracks_ = withoutTracks;
     Succeed(matches);
 }

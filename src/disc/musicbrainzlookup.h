@@ -13,6 +13,8 @@ class MusicBrainzLookup : public OnlineDatabase {
     explicit MusicBrainzLookup(const QString& server, QObject* parent = nullptr);
 
     void Start(const OnlineDiscIds& ids);
+    // After Finished: the releases that carry the disc's ID on a medium without a track list.
+    QList<DiscMatch> ReleasesWithoutTracks() const { return withoutTracks_; }
 
     // Longer waits than this are not waited out: the server is busy.
     static constexpr int kMaxRetryAfterSeconds = 30;
@@ -20,9 +22,11 @@ class MusicBrainzLookup : public OnlineDatabase {
   private:
     // Asks for path at the pace the service allows; a 503 is tried once more.
     void Ask(const QString& path, AnswerHandler then);
-    // The interval runs from each request's start.
+    // The interval runs from the time the previous request was sent, whichever look-up sent it.
+    int WaitBeforeSending() const override;
     void Sending() override;
     void TakeReleases(const Answer& answer);
 
     OnlineDiscIds ids_;
+    QList<DiscMatch> withoutTracks_;
 };

@@ -22,6 +22,25 @@ int RetryAfterSeconds(const QByteArray& header) {
     return static_cast<int>(std::max<qint64>(QDateTime::currentDateTimeUtc().secsTo(when), 0));
 }
 
+// Why a successful reply's body is not the whole answer; empty when it is. A reply cut off in
+// transfer can still carry its status and the bytes that came.
+QString Incomplete(const QNetworkReply& reply, const QByteArray& body) {
+    // An answer Qt unpacked is measured by its packed size.
+    const QVariant length = reply.header(QNetworkRequest::ContentLengthHeader);
+    if (reply.rawHeader("Content-Encoding").isEmpty() && length.isValid() &&
+        body.size() < length.toLongLong())
+        return QString("the answer broke off after %1 of %2 bytes.")
+            .arg(body.size())
+            .arg(length.toLongLong());
+    if (reply.error() != QNetworkReply::NoError) {
+        // Some of Qt's reasons end where their detail is missing: "Decompression failed: ".
+        QString why = reply.errorString().trimmed();
+        if (why.endsWith(':')) why.chop(1);
+        return "the answer could not be read whole (" + why + ").";
+    }
+    return {};
+}
+
 }  // namespace
 
 OnlineDatabase::OnlineDatabase(const QString& name, const QString& server, QObject* parent)
@@ -29,6 +48,9 @@ OnlineDatabase::OnlineDatabase(const QString& name, const QString& server, QObje
     QNetworkProxyFactory::setUseSystemConfiguration(true);
     manager_.setRedirectPolicy(QNetworkRequest::NoLessSafeRedirectPolicy);
     delay_.setSingleShot(true);
+    // A coarse timer may fire up to 5 % early, and MusicBrainz blocks clients that ask faster
+    // than their pace.
+    delay_.setTimerType(Qt::PreciseTimer);
     deadline_.setSingleShot(true);
     connect(&delay_, &QTimer::timeout, this, &OnlineDatabase::Send);
     connect(&deadline_, &QTimer::timeout, this, [this] {
@@ -60,6 +82,7 @@ void OnlineDatabase::Get(const QString& pathAndQuery, int delayMs, AnswerHandler
 }
 
 void OnlineDatabase::Send() {
+    if (const int wait = WaitBeforeSending(); wait > 0) return delay_.start(wait);
     QNetworkRequest request(QUrl(server_ + pending_));
     request.setHeader(QNetworkRequest::UserAgentHeader, LookupUserAgent());
     request.setRawHeader("Accept", "application/json, text/plain");
@@ -72,6 +95,7 @@ void OnlineDatabase::Send() {
         if (received > kMaxAnswerBytes || total > kMaxAnswerBytes)
             Done("the answer is larger than " + QString::number(kMaxAnswerBytes >> 20) + " MB.");
     });
+    connect(reply_, &QNetworkReply::requestSent, this, [this] { Sending(); });
     connect(reply_, &QNetworkReply::finished, this, [this] { Done(QString()); });
 }
 
@@ -84,6 +108,11 @@ void OnlineDatabase::Done(const QString& failure) {
         answer.status = status.toInt();
         answer.body = reply->readAll();
         answer.retryAfter = RetryAfterSeconds(reply->rawHeader("Retry-After"));
+        // Statuses of 400 and above count as errors too; they are answers in their own right.
+        if (answer.status < 300) {
+            if (const QString cut = Incomplete(*reply, answer.body); !cut.isEmpty())
+                answer = Answer{0, {}, -1, cut};
+        }
     } else {
         answer.failure = failure.isEmpty() ? reply->errorString() + "." : failure;
     }
@@ -93,13 +122,24 @@ void OnlineDatabase::Done(const QString& failure) {
 }
 
 void OnlineDatabase::Succeed(const QList<DiscMatch>& matches) {
-    emit Finished(matches, QString());
+    Finish(matches, QString());
 }
 
 void OnlineDatabase::Fail(const QString& reason) {
-    emit Finished({}, name_ + " (" + QUrl(server_).host() + "): " + reason);
+    Finish({}, reason);
+}
+
+void OnlineDatabase::Finish(QList<DiscMatch> matches, const QString& reason) {
+    for (DiscMatch& match : matches) ReplaceControlCharacters(match);
+    emit Finished(matches, reason.isEmpty() ? QString()
+                                            : name_ + " (" + QUrl(server_).host() + "): " + reason);
 }
 
 QString OnlineDatabase::UnexpectedStatus(const Answer& answer) {
     return "the server answered with HTTP status " + QString::number(answer.status) + ".";
+}
+
+QString OnlineDatabase::NotAnswered(const Answer& answer) {
+    if (answer.status == 0) return answer.failure;
+    return answer.status == 200 ? QString() : UnexpectedStatus(answer);
 }

@@ -14,8 +14,9 @@ class QNetworkReply;
 
 // What the look-up clients share: GETs to one server with the program's User-Agent, a
 // time-out over each whole answer (a server that drips bytes does not hold the look-up), a
-// cap on an answer's size, and a Cancel that stops everything at once. Everything runs from
-// the event loop; nothing waits.
+// cap on an answer's size, and a Cancel that stops everything at once. An answer that did not
+// arrive whole is a failure, never a shorter answer. Everything runs from the event loop;
+// nothing waits.
 class OnlineDatabase : public QObject {
     Q_OBJECT
 
@@ -35,8 +36,8 @@ class OnlineDatabase : public QObject {
   signals:
     // What is being asked now, for the user.
     void Progress(const QString& text);
-    // The matches found, or the reason the database could not be asked ("MusicBrainz
-    // (musicbrainz.org): ...").
+    // The matches found, their text free of control characters, and what could not be asked or
+    // read ("MusicBrainz (musicbrainz.org): ..."); a problem may come with matches.
     void Finished(const QList<DiscMatch>& matches, const QString& problem);
 
   protected:
@@ -53,12 +54,18 @@ class OnlineDatabase : public QObject {
 
     // Sends a GET of the server's pathAndQuery after delayMs.
     void Get(const QString& pathAndQuery, int delayMs, AnswerHandler then);
-    // Called as each request leaves.
+    // How long a request that is due must still wait; it is asked again as the request leaves.
+    virtual int WaitBeforeSending() const { return 0; }
+    // Called as each request leaves, and again once it has been written to the server.
     virtual void Sending() {}
     void Succeed(const QList<DiscMatch>& matches);
     void Fail(const QString& reason);
+    // The matches read, with the reason some others could not be.
+    void Finish(QList<DiscMatch> matches, const QString& reason);
     // The status line's words for an answer that was not the one asked for.
     static QString UnexpectedStatus(const Answer& answer);
+    // Why an answer is not a whole 200 answer; empty when it is.
+    static QString NotAnswered(const Answer& answer);
 
   private:
     void Send();

@@ -51,6 +51,16 @@ void frmEdit::cmdLookup_Click() {
                        vbYesNo + vbQuestion, kLookupTitle) == vbYes)
                 StartDocument(ids.submissionUrl);
             break;
+        case frmLookup::Outcome::WithoutTracks: {
+            const DiscMatch release = lookup.ReleaseWithoutTracks();
+            if (MsgBox("MusicBrainz knows this disc as \"" + release.title + "\" by " +
+                           release.artist +
+                           ", but the release was found without a track list.\n\nOpen the "
+                           "release's page, where the tracks can be added?",
+                       vbYesNo + vbQuestion, kLookupTitle) == vbYes)
+                StartDocument(lookup.ReleasePage());
+            break;
+        }
         case frmLookup::Outcome::Failed:
             MsgBox("The disc could not be looked up online.\n\n" + lookup.Problems().join("\n"),
                    vbExclamation, kLookupTitle);

@@ -26,7 +26,7 @@ QString DiscsText(const DiscMatch& match) {
 }  // namespace
 
 frmLookup::frmLookup(const OnlineDiscIds& ids, const LookupSettings& settings, QWidget* parent)
-    : QDialog(parent), ids_(ids) {
+    : QDialog(parent), ids_(ids), musicBrainzServer_(settings.musicBrainzServer) {
     setObjectName("frmLookup");
     setWindowTitle("Look up");
     setModal(true);
@@ -83,6 +83,7 @@ frmLookup::frmLookup(const OnlineDiscIds& ids, const LookupSettings& settings, Q
     connect(musicBrainz_, &OnlineDatabase::Finished, this,
             [this](const QList<DiscMatch>& matches, const QString& problem) {
                 matches_ << matches;
+                withoutTracks_ = musicBrainz_->ReleasesWithoutTracks();
                 if (!problem.isEmpty()) problems_ << problem;
                 AskGnudb();
             });
@@ -115,14 +116,16 @@ void frmLookup::AskGnudb() {
 
 void frmLookup::ShowChoice() {
     if (matches_.isEmpty()) {
-        outcome_ = problems_.isEmpty() ? Outcome::NoMatch : Outcome::Failed;
+        outcome_ = !withoutTracks_.isEmpty() ? Outcome::WithoutTracks
+                   : problems_.isEmpty()     ? Outcome::NoMatch
+                                             : Outcome::Failed;
         accept();
         return;
     }
     QString status = matches_.size() == 1
                          ? QString("One disc was found. Use its names for this title?")
                          : QString("%1 discs were found. Choose yours.").arg(matches_.size());
-    if (!problems_.isEmpty()) status += "\nCould not be asked: " + problems_.join("\n");
+    if (!problems_.isEmpty()) status += "\nNot everything could be read: " + problems_.join("\n");
     lblStatus->setText(status);
     barWaiting->hide();
     QTreeWidgetItem* preselected = nullptr;
@@ -141,6 +144,10 @@ void frmLookup::ShowChoice() {
     adjustSize();
     choiceShown_ = true;
     emit ChoiceShown();
+}
+
+QString frmLookup::ReleasePage() const {
+    return musicBrainzServer_ + "/release/" + ReleaseWithoutTracks().identifier;
 }
 
 void frmLookup::ShowTracks() {

@@ -23,7 +23,9 @@ class frmLookup : public QDialog {
     Q_OBJECT
 
   public:
-    enum class Outcome { Chosen, NoMatch, Failed, Cancelled };
+    // WithoutTracks: nothing to choose, but MusicBrainz knows the disc's release; its medium
+    // lists no tracks yet.
+    enum class Outcome { Chosen, NoMatch, WithoutTracks, Failed, Cancelled };
 
     frmLookup(const OnlineDiscIds& ids, const LookupSettings& settings, QWidget* parent = nullptr);
     ~frmLookup() override;
@@ -32,6 +34,9 @@ class frmLookup : public QDialog {
     Outcome Run();
     // After Chosen: the match the user took.
     DiscMatch Chosen() const { return chosen_; }
+    // After WithoutTracks: that release, and the address of its page on MusicBrainz.
+    DiscMatch ReleaseWithoutTracks() const { return withoutTracks_.value(0); }
+    QString ReleasePage() const;
     // After Failed: each database that could not be asked and why, one a line.
     QStringList Problems() const { return problems_; }
     // True once the matches are on show.
@@ -54,9 +59,11 @@ class frmLookup : public QDialog {
     void Use();
 
     OnlineDiscIds ids_;
+    QString musicBrainzServer_;
     MusicBrainzLookup* musicBrainz_;
     GnudbLookup* gnudb_;
     QList<DiscMatch> matches_;
+    QList<DiscMatch> withoutTracks_;
     QStringList problems_;
     DiscMatch chosen_;
     Outcome outcome_ = Outcome::Cancelled;

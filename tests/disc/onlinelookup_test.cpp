@@ -102,6 +102,20 @@ class OnlineLookupTest : public QObject {
         QVERIFY(ids.musicBrainzToc.startsWith("1 22 303602 150 9700 "));
         QCOMPARE(ids.freedbOffsets, offsets);
         QCOMPARE(ids.freedbSeconds, 303602 / 75);
+
+        // An enhanced CD: the three tracks of ThreeTracks() and a data track in a second session.
+        // MusicBrainz knows the audio session alone, which ends 11,400 frames before the data
+        // track: the same disc as the plain CD of those three tracks; CDDB counts all four.
+        TableOfContents enhanced = ThreeTracks();
+        enhanced.trackStarts << enhanced.leadout + 11400;
+        enhanced.leadout = 60000;
+        enhanced.trailingDataTracks = 1;
+        ids = Ids(enhanced);
+        QCOMPARE(ids.musicBrainzId, Ids().musicBrainzId);
+        QCOMPARE(ids.musicBrainzToc, QString("1 3 25650 150 13650 24900"));
+        QCOMPARE(ids.audioTracks, 3);
+        QCOMPARE(ids.freedbOffsets, QList<int>({150, 13650, 24900, 37050}));
+        QCOMPARE(ids.freedbSeconds, 60150 / 75);
     }
 
     void musicBrainzAnswers() {
@@ -198,16 +212,34 @@ class OnlineLookupTest : public QObject {
                                  "rock 0a0b0c03 Ann Tanner / Blue Hours",
                                  "jazz 0a0b0c04 Caf\xe9 / Noir", "misc 0a0b0c05 Sampler", "."})));
         server.answer("read+rock", Body(Cddb({"210 rock 0a0b0c03", "DTITLE=Ann Tanner / Blue Hours",
-                                              "TTITLE0=a", "TTITLE1=b", "TTITLE2=c", "."})));
+                                              "DYEAR=", "TTITLE0=a", "TTITLE1=b", "TTITLE2=c",
+                                              "EXTD= YEAR: 1987 ID3G:", "EXTD=  17", "."})));
         server.answer("read+jazz", Body(Cddb({"210 jazz 0a0b0c04", "DTITLE=Caf\xe9 / Noir",
                                               "TTITLE0=D\xe9j\xe0", "TTITLE2=late", "."})));
         server.answer("read+misc", Body(Cddb({"210 misc 0a0b0c05", "DTITLE=Sampler", "."})));
         outcome = AskGnudb(server);
         QCOMPARE(
             Summary(outcome.matches),
-            QStringList({"gnudb;rock/0a0b0c03;Ann Tanner;Blue Hours;;;CD;1/1;toc;a|b|c",
+            QStringList({"gnudb;rock/0a0b0c03;Ann Tanner;Blue Hours;1987;;CD;1/1;toc;a|b|c",
                          QString::fromUtf8("gnudb;jazz/0a0b0c04;Café;Noir;;;CD;1/1;toc;Déjà||late"),
                          "gnudb;misc/0a0b0c05;Sampler;Sampler;;;CD;1/1;toc;"}));
+
+        // One entry that cannot be read is named; the others are still offered.
+        server.clear();
+        server.answer(
+            "cmd=cddb+query+",
+            Body(Cddb({"211 Found inexact matches", "rock 0a0b0c03 Ann Tanner / Blue Hours",
+                       "jazz 0a0b0c04 Caf\xe9 / Noir", "misc 0a0b0c05 Sampler", "."})));
+        server.answer("read+rock", Body(Cddb({"210 rock 0a0b0c03", "DTITLE=A / B", "."})));
+        server.answer("read+jazz", Body(Cddb({"403 Database entry is corrupt."})));
+        server.answer("read+misc", Body(Cddb({"210 misc 0a0b0c05", "DTITLE=Sampler", "."})));
+        outcome = AskGnudb(server);
+        QCOMPARE(Summary(outcome.matches),
+                 QStringList({"gnudb;rock/0a0b0c03;A;B;;;CD;1/1;toc;",
+                              "gnudb;misc/0a0b0c05;Sampler;Sampler;;;CD;1/1;toc;"}));
+        QCOMPARE(outcome.problem, QString("gnudb (127.0.0.1): entry jazz/0a0b0c04 could not be "
+                                          "read: the server answered \"403 Database entry is "
+                                          "corrupt.\"."));
 
         // 202: no match, asked by a user who gave an e-mail address. A CDDB error and an HTTP
         // error name the server and its words.
@@ -219,13 +251,129 @@ class OnlineLookupTest : public QObject {
         server.clear();
         server.answer("cmd=cddb+query+", Body(Cddb({"200 rock 0a0b0c03 A / B"})));
         server.answer(kEntryRead, Body(Cddb({"403 Database entry is corrupt."})));
-        QCOMPARE(AskGnudb(server).problem,
-                 QString("gnudb (127.0.0.1): the server answered \"403 Database entry is "
-                         "corrupt.\"."));
+        outcome = AskGnudb(server);
+        QVERIFY(outcome.matches.isEmpty());
+        QCOMPARE(outcome.problem, QString("gnudb (127.0.0.1): entry rock/0a0b0c03 could not be "
+                                          "read: the server answered \"403 Database entry is "
+                                          "corrupt.\"."));
         server.clear();
         server.answer("cmd=cddb+query+", Status("502 Bad Gateway"));
         QCOMPARE(AskGnudb(server).problem,
                  QString("gnudb (127.0.0.1): the server answered with HTTP status 502."));
+    }
+
+    void answersThatDidNotArriveWholeAreFailures() {
+        LookupServer server;
+        const QByteArray id = Ids().musicBrainzId.toLatin1();
+        // 57 tracks, of which a server that closes early sends a part.
+        QList<QByteArray> entry{"210 rock 0a0b0c03", "DTITLE=Long / Disc"};
+        for (int track = 0; track < 57; ++track)
+            entry << "TTITLE" + QByteArray::number(track) + "=Track " + QByteArray::number(track);
+        entry << ".";
+        const QByteArray whole = Cddb(entry);
+        Reply cut = Body(whole.left(whole.size() * 2 / 3));
+        cut.announced = whole.size();
+        const QString cutOff = QString("the answer broke off after %1 of %2 bytes.")
+                                   .arg(cut.body.size())
+                                   .arg(whole.size());
+        server.answer("cmd=cddb+query+", Body(Cddb({"200 rock 0a0b0c03 Long / Disc"})));
+        server.answer(kEntryRead, cut);
+        Outcome outcome = AskGnudb(server);
+        QVERIFY(outcome.matches.isEmpty());
+        QCOMPARE(outcome.problem,
+                 "gnudb (127.0.0.1): entry rock/0a0b0c03 could not be read: " + cutOff);
+
+        // The same entry without its closing line, and a list of matches without one.
+        server.clear();
+        entry.removeLast();
+        server.answer("cmd=cddb+query+", Body(Cddb({"200 rock 0a0b0c03 Long / Disc"})));
+        server.answer(kEntryRead, Body(Cddb(entry)));
+        outcome = AskGnudb(server);
+        QVERIFY(outcome.matches.isEmpty());
+        const QString unended = "the server's answer ended before its closing \".\" line.";
+        QCOMPARE(outcome.problem,
+                 "gnudb (127.0.0.1): entry rock/0a0b0c03 could not be read: " + unended);
+        server.clear();
+        server.answer("cmd=cddb+query+",
+                      Body(Cddb({"211 inexact matches", "rock 0a0b0c03 A / B"})));
+        QCOMPARE(AskGnudb(server).problem, "gnudb (127.0.0.1): " + unended);
+
+        // A MusicBrainz answer cut off, and one packed to a hundred times its size.
+        const QByteArray releases =
+            Releases({Release("rel-1", "Blue Hours", "1999", "GB", Credit("A"),
+                              {Medium(1, id, Tracks({"x", "y", "z"}))})});
+        server.clear();
+        cut = Body(releases.left(100));
+        cut.announced = releases.size();
+        server.answer(id, cut);
+        outcome = AskMusicBrainz(server);
+        QVERIFY(outcome.matches.isEmpty());
+        QCOMPARE(outcome.problem, QString("MusicBrainz (127.0.0.1): the answer broke off after "
+                                          "100 of %1 bytes.")
+                                      .arg(releases.size()));
+        server.clear();
+        Reply packed = Body(qCompress(releases).mid(4));
+        packed.headers = "Content-Encoding: deflate\r\n";
+        server.answer(id, packed);
+        outcome = AskMusicBrainz(server);
+        QVERIFY2(outcome.problem.isEmpty(), qPrintable(outcome.problem));
+        QCOMPARE(outcome.matches.size(), 1);
+        server.clear();
+        Reply bomb = Body(qCompress(QByteArray(64 * 1024 * 1024, ' '), 9).mid(4));
+        bomb.headers = packed.headers;
+        server.answer(id, bomb);
+        outcome = AskMusicBrainz(server);
+        QVERIFY(outcome.matches.isEmpty());
+        QVERIFY2(outcome.problem.startsWith("MusicBrainz (127.0.0.1): the answer ") &&
+                     !outcome.problem.contains("JSON"),
+                 qPrintable(outcome.problem));
+
+        // Through the window, a cut-off answer is a failure and nothing to choose from.
+        server.clear();
+        server.answer("/ws/2/discid/", cut);
+        server.answer("cmd=cddb+query+", Body(Cddb({"200 rock 0a0b0c03 Long / Disc"})));
+        server.answer(kEntryRead, cut);
+        ScriptedDialogs dialogs;
+        frmLookup window(Ids(), {server.url(), server.url(), "tester"});
+        QCOMPARE(window.Run(), frmLookup::Outcome::Failed);
+        QCOMPARE(window.Problems().size(), 2);
+        QVERIFY(!window.ChoiceIsShown());
+    }
+
+    void controlCharactersBecomeSpaces() {
+        LookupServer server;
+        const QByteArray id = Ids().musicBrainzId.toLatin1();
+        server.answer(id, Body(Releases({Release(
+                              "rel-1", "Blue\\u0007Hours\\tLive\\nEdition", "1999", "GB",
+                              Credit("Ann\\u0000Tanner"),
+                              {Medium(1, id, Tracks({"Morning\\r\\nNoon", "Dusk", "Night"}))})})));
+        QCOMPARE(Summary(AskMusicBrainz(server).matches),
+                 QStringList{"MusicBrainz;rel-1;Ann Tanner;Blue Hours Live Edition;1999;GB;CD;1/1;"
+                             "id;Morning Noon|Dusk|Night"});
+
+        server.clear();
+        server.answer("cmd=cddb+query+", Body(Cddb({"200 rock 0a0b0c03 A / B"})));
+        server.answer(kEntryRead,
+                      Body(Cddb({"210 rock 0a0b0c03", "DTITLE=Ann\tTanner / Blue\aHours",
+                                 QByteArray("TTITLE0=Mor\0ning", 16), "TTITLE1=Noon\x1b",
+                                 "TTITLE2=\x7f"
+                                 "Dusk",
+                                 "."})));
+        QCOMPARE(Summary(AskGnudb(server).matches),
+                 QStringList{"gnudb;rock/0a0b0c03;Ann Tanner;Blue Hours;;;CD;1/1;toc;"
+                             "Mor ning|Noon|Dusk"});
+    }
+
+    void aReleaseWithoutTracksOffersItsPage() {
+        LookupServer server;
+        const QByteArray id = Ids().musicBrainzId.toLatin1();
+        server.answer(id, Body(Releases({Release("rel-9", "Blue Hours", "1999", "GB",
+                                                 Credit("Ann Tanner"), {Medium(1, id, "[]")})})));
+        ScriptedDialogs dialogs;
+        frmLookup window(Ids(), {server.url(), server.url(), "tester"});
+        QCOMPARE(window.Run(), frmLookup::Outcome::WithoutTracks);
+        QCOMPARE(window.ReleaseWithoutTracks().title, QString("Blue Hours"));
+        QCOMPARE(window.ReleasePage(), server.url() + "/release/rel-9");
     }
 
     void failuresTimeOutAndCancel() {

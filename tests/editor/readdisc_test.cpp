@@ -17,6 +17,7 @@
 #include "editor/frmLookup.h"
 #include "shell/mGlobalFunctions.h"
 #include "toolkit/ctlGoldButton.h"
+#include "toolkit/mUtility.h"
 
 using namespace editortest;
 using namespace discimages;
@@ -195,6 +196,48 @@ class ReadDiscTest : public QObject {
             qlonglong(0x82400));
         qunsetenv("VELMORA_MUSICBRAINZ_SERVER");
         qunsetenv("VELMORA_GNUDB_SERVER");
+    }
+
+    void releaseWithoutTracksOffersItsPage() {
+        using namespace lookupanswers;
+        lookupserver::LookupServer server;
+        PointLookupAt(server.url());
+        OnlineDiscIds ids;
+        QString problem;
+        QVERIFY(ComputeOnlineDiscIds(ThreeTracks(), ids, problem));
+        const QByteArray id = ids.musicBrainzId.toLatin1();
+        server.answer(
+            "/ws/2/discid/" + id,
+            lookupserver::Body(Releases({Release("9e1d-release", "Blue Hours", "1999", "GB",
+                                                 Credit("Ann Tanner"), {Medium(1, id, "[]")})})));
+        server.answer("cmd=cddb+query", lookupserver::Body(Cddb({"202 No match found"})));
+        QList<QUrl> opened;
+        SetDocumentOpener([&opened](const QUrl& url) {
+            opened << url;
+            return true;
+        });
+        SelectNode("root");
+        QPointer<frmEdit> form = OpenEditor(true);
+        ChooseTitleKind(form, "Audio", "Jazz", "Album");
+        dialogs->answerMsgBox(vbYes);
+        dialogs->answerMsgBox(vbYes);
+        dialogs->answerMsgBox(vbYes);
+        Choose(MakeCue(images->path(), "plain", "", "",
+                       {{"00:00:00", ""}, {"03:00:00", ""}, {"05:30:00", ""}}));
+        form->cmdReadDisc_Click();
+        SetDocumentOpener({});
+        qunsetenv("VELMORA_MUSICBRAINZ_SERVER");
+        qunsetenv("VELMORA_GNUDB_SERVER");
+        QCOMPARE(
+            dialogs->takeBoxes(),
+            Boxes({{"No CD drive was found." + kAudioOffer, vbYesNo + vbExclamation, "Read disc"},
+                   kLookupOffer,
+                   {"MusicBrainz knows this disc as \"Blue Hours\" by Ann Tanner, but the "
+                    "release was found without a track list.\n\nOpen the release's page, "
+                    "where the tracks can be added?",
+                    vbYesNo + vbQuestion, "Look up"}}));
+        QCOMPARE(opened, QList<QUrl>{QUrl(server.url() + "/release/9e1d-release")});
+        QVERIFY(form->txtTitle->text().isEmpty());
     }
 
     void cataloguedDiscOffersItsTitle() {

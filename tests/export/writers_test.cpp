@@ -121,6 +121,15 @@ class WritersTest : public QObject {
         QCOMPARE(dialogs.takeBoxes(), Boxes({{"5 titles have been exported to file '" + page + "'.",
                                               vbInformation, "Export to File Results"}}));
         QCOMPARE(opened_, QList<QUrl>({QUrl::fromLocalFile(page)}));
+
+        // 80 + 50 + 91 + 40 + 67 = 328 over 5 titles: 65.6 rounds up.
+        gDatabase->Execute("update title set rating = 67 where idcd = 5");
+        Select(kTitleJoinInListOrder);
+        const QString rounded = folder_->file("rounded.html");
+        dialogs.answerFile(rounded);
+        Export(&frmExport::ExportToHtml);
+        QCOMPARE(Lines(ReadBytes(rounded).mid(3))[2],
+                 QString("average rating: <font color=\"#000000\">66</font></small></small>"));
     }
 
     void fileWritersReportWhatCannotBeWritten() {

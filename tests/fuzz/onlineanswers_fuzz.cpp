@@ -1,5 +1,5 @@
 // Reads any byte string as the online databases' answers: a MusicBrainz JSON answer, a CDDB
-// query answer and an xmcd entry.
+// query answer and an xmcd entry, and clears the matches' text of control characters.
 #include <cstddef>
 #include <cstdint>
 
@@ -8,12 +8,15 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QByteArray answer(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
-    QList<DiscMatch> matches;
+    QList<DiscMatch> matches, withoutTracks;
     QString problem;
-    ReadMusicBrainzAnswer(answer, "xUp1F2NkfP8s8jaeFn_Av3jNEI4-", 3, matches, problem);
+    ReadMusicBrainzAnswer(answer, "xUp1F2NkfP8s8jaeFn_Av3jNEI4-", 3, matches, withoutTracks,
+                          problem);
+    for (DiscMatch& match : matches + withoutTracks) ReplaceControlCharacters(match);
     QList<CddbEntryName> entries;
     ReadCddbQueryAnswer(answer, entries, problem);
     DiscMatch match;
-    ReadCddbEntry(answer, {"rock", "370fce16", "A / B"}, match, problem);
+    if (ReadCddbEntry(answer, {"rock", "370fce16", "A / B"}, match, problem))
+        ReplaceControlCharacters(match);
     return 0;
 }

@@ -51,6 +51,10 @@ class WindowsTest : public QObject {
         // LF line ends and 8-bit text from Windows read as well.
         WriteBytes(path, "[Disc]\ntitle=Caf\xe9\n");
         QCOMPARE(ReadIniString(path, "Disc", "title", ""), QString("Caf\u00e9"));
+
+        // Windows hands over no more than the 255 places of the reader's buffer.
+        WriteBytes(path, "[Disc]\r\ntitle=" + QByteArray(300, 'x') + "\r\n");
+        QCOMPARE(ReadIniString(path, "Disc", "title", ""), QString(255, 'x'));
     }
 
     void writingKeepsTheRestOfTheFile() {
@@ -80,6 +84,14 @@ class WindowsTest : public QObject {
         value = "\u00c9t\u00e9";
         QVERIFY(WriteIniString(windows, "A", "other", value));
         QCOMPARE(ReadBytes(windows), QByteArray("[A]\r\nname=Caf\xe9\r\nother=\xc9t\xe9\r\n"));
+
+        // A UTF-8 file keeps its byte-order mark.
+        const QString marked = dir.filePath("marked.ini");
+        WriteBytes(marked, "\xEF\xBB\xBF[A]\r\nname=Caf\xc3\xa9\r\n");
+        value = "\u00c9t\u00e9";
+        QVERIFY(WriteIniString(marked, "A", "other", value));
+        QCOMPARE(ReadBytes(marked),
+                 QByteArray("\xEF\xBB\xBF[A]\r\nname=Caf\xc3\xa9\r\nother=\xc3\x89t\xc3\xa9\r\n"));
 
         const QString created = dir.filePath("new.ini");
         value = "1";

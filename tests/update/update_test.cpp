@@ -1,8 +1,11 @@
 // The download window against a local server (resumed, refused and cancelled transfers) and the
 // live update that runs on it.
 
+#include <cstdio>
+
 #include "shell/frmMain.h"
 #include "support/testsupport.h"
+#include "toolkit/longwork.h"
 #include "toolkit/vbruntime.h"
 #include "update/frmDownload.h"
 #include "update/mDownload.h"
@@ -191,6 +194,26 @@ class UpdateTest : public QObject {
         server.answers = {broken};
         QVERIFY(!Download(server.url("/files/file.bin"), target()).succeeded);
         QVERIFY(!QFile::exists(target()));
+
+        // Every byte arrived, but what stands on disc is shorter (another program replaced the
+        // file mid-way): the download is not complete.
+        dialogs.msgBoxes.clear();
+        dialogs.answerMsgBox(vbCancel);
+        server.answers = {HttpAnswer{}};
+        bool replaced = false;
+        const int listener =
+            AddProgressListener([&](const QString& operation, qint64 done, qint64) {
+                if (operation != "Downloading byte" || done < 15000 || replaced) return;
+                replaced = true;
+                WriteBytes(target() + ".other", "short");
+                std::rename(QFile::encodeName(target() + ".other"), QFile::encodeName(target()));
+            });
+        const Transfer shortened = Download(server.url("/files/file.bin"), target());
+        RemoveProgressListener(listener);
+        QVERIFY(replaced);
+        QVERIFY(!shortened.succeeded);
+        QCOMPARE(dialogs.msgBoxes.size(), 1);
+        QCOMPARE(dialogs.msgBoxes[0].title, QString("Download Incomplete"));
     }
 
     void serverIgnoringRangesOnRetryAsksToStartOver() {
