@@ -11,11 +11,6 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QRadioButton>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <csignal>
