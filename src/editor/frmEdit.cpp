@@ -17,9 +17,12 @@
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
 #include "shell/mainwindow.h"
+#include "store/fieldsizes.h"
 #include "toolkit/ctlGoldButton.h"
 #include "toolkit/keyupguard.h"
+#include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
+#include "toolkit/vbstrings.h"
 
 frmEdit* gEditForm = nullptr;
 
@@ -353,6 +356,11 @@ void frmEdit::GoldButtonClick(int list, LookupOperation operation, int index) {
     IgnoreKeyUp = true;
     QComboBox* combo = Combo1[list];
     QString name;
+    if (index > 0 && list == 1 && combo->currentIndex() >= 0 &&
+        ItemData(1) == kArtistNotYetStored) {
+        ChangeUnstoredArtist(index == 2);
+        return;
+    }
     switch (index) {
         case 0: {
             // Vendors and types hang from the platform, specific items from the type; without
@@ -399,6 +407,26 @@ void frmEdit::AddLookupRow(int list, LookupOperation operation, QString name) {
         combo->setCurrentIndex(previous);
     }
     combo->setCurrentIndex(combo->count() - 1);
+}
+
+void frmEdit::ChangeUnstoredArtist(bool remove) {
+    QComboBox* vendors = Combo1[1];
+    const int row = vendors->currentIndex();
+    if (remove) {
+        const QSignalBlocker blocker(vendors);
+        vendors->removeItem(row);
+        vendors->setCurrentIndex(-1);
+        return;
+    }
+    const QString name = Trim(InputBox("Please enter a new name for this vendor:" + vbCrLf +
+                                           "(Max. length = " + QString::number(gLenVendor) + ")",
+                                       "Rename vendor", vendors->itemText(row)));
+    if (name.length() > gLenVendor) {
+        MsgBox("Name is too long! Maximum length is " + QString::number(gLenVendor) + ".",
+               vbCritical);
+        return;
+    }
+    if (!name.isEmpty()) vendors->setItemText(row, name);
 }
 
 bool frmEdit::eventFilter(QObject* watched, QEvent* event) {

@@ -114,11 +114,20 @@ class frmEdit : public QDialog {
     void ReadAudioIntoForm();
     void ReadDataIntoForm();
     void SelectOrAddVendor(const QString& name);
+    // Rename and delete of an artist not yet stored change the list alone.
+    void ChangeUnstoredArtist(bool remove);
     void TakeMatch(const DiscMatch& match);
     void EnableLookup();
     // Closes this window and opens the stored title id in its place.
     void OpenCataloguedTitle(long id);
     void WriteDiscFields(Recordset& record);
+
+    // The artist of a reading or a look-up that the catalogue does not know stays a row of
+    // Combo1(1) with this item data until the save adds it as a vendor.
+    static constexpr long kArtistNotYetStored = -1;
+    // Thrown when the vendor's routine refused the artist; its box has told why.
+    struct ArtistNotStored {};
+    void StoreArtist();
 
     bool Validate();
     void WriteTitle();

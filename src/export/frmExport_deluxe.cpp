@@ -1,7 +1,7 @@
 // The audio titles into the Deluxe CD player's database. Like the cdplayer.ini writer it looks
 // before it writes, by TitleID, and it goes further: each track is compared on its own. The file
-// is another program's Jet database; its rows are written by the program's own Jet writer, a row
-// complete on disk before the next one starts.
+// is another program's Jet database; its rows are written by the program's own Jet writer, a title
+// with its tracks complete on disk before the next title starts.
 
 #include <QCheckBox>
 
@@ -21,6 +21,29 @@ void SetTitleFields(Recordset& deluxeTitle, Recordset& titles, Recordset& vendor
     deluxeTitle.Fields("Artist").SetValue(vendor["nmvendor"]);
     deluxeTitle.Fields("Title").SetValue(titles["nmcd"]);
     deluxeTitle.Fields("NumTracks").SetValue(titles["NumTracks"]);
+}
+
+void ExportDeluxeTracks(Database& deluxe, Recordset& deluxeTracks, const QVariant& idcd,
+                        const QVariant& titleId, bool overwrite, bool& tracksExisted) {
+    const QString titleKey = titleId.toString();
+    for (const auto tracks = OpenTitleTracks(idcd); !tracks->IsEOF(); tracks->MoveNext()) {
+        const auto deluxeTrack =
+            deluxe.OpenRecordset("select * from Tracks where TitleID = " + titleKey +
+                                 " and TrackID= " + (*tracks)["TrackID"].toString());
+        if (deluxeTrack->IsEOF()) {
+            deluxeTracks.AddNew();
+            deluxeTracks.Fields("TitleID").SetValue(titleId);
+            deluxeTracks.Fields("TrackID").SetValue((*tracks)["TrackID"]);
+            deluxeTracks.Fields("TrackName").SetValue((*tracks)["TrackName"]);
+            deluxeTracks.Update();
+        } else if (overwrite) {
+            deluxeTrack->Edit();
+            deluxeTrack->Fields("TrackName").SetValue((*tracks)["TrackName"]);
+            deluxeTrack->Update();
+        } else {
+            tracksExisted = true;
+        }
+    }
 }
 
 }  // namespace
@@ -55,15 +78,7 @@ void frmExport::ExportToDeluxe(long& Count) {
             const QString titleKey = titleId.toString();
             const auto deluxeTitle =
                 deluxe->OpenRecordset("select * from Titles where TitleID = " + titleKey);
-            if (deluxeTitle->IsEOF()) {
-                deluxeTitle->AddNew();
-                SetTitleFields(*deluxeTitle, titles, *vendor);
-                deluxeTitle->Update();
-            } else if (OverwriteTitles) {
-                deluxeTitle->Edit();
-                SetTitleFields(*deluxeTitle, titles, *vendor);
-                deluxeTitle->Update();
-            } else {
+            if (!deluxeTitle->IsEOF() && !OverwriteTitles) {
                 if (WarnTitles)
                     MsgBox("The cd with title '" + NzText(titles["nmcd"]) +
                                "' cannot be copied and will be skipped.\r\rMost likely reason is "
@@ -72,26 +87,18 @@ void frmExport::ExportToDeluxe(long& Count) {
                 ++DeluxeExportDuplicates;
                 continue;
             }
-
-            for (const auto tracks = OpenTitleTracks(titles["idcd"]); !tracks->IsEOF();
-                 tracks->MoveNext()) {
-                const auto deluxeTrack =
-                    deluxe->OpenRecordset("select * from Tracks where TitleID = " + titleKey +
-                                          " and TrackID= " + (*tracks)["TrackID"].toString());
-                if (deluxeTrack->IsEOF()) {
-                    deluxeTracks->AddNew();
-                    deluxeTracks->Fields("TitleID").SetValue(titleId);
-                    deluxeTracks->Fields("TrackID").SetValue((*tracks)["TrackID"]);
-                    deluxeTracks->Fields("TrackName").SetValue((*tracks)["TrackName"]);
-                    deluxeTracks->Update();
-                } else if (OverwriteTitles) {
-                    deluxeTrack->Edit();
-                    deluxeTrack->Fields("TrackName").SetValue((*tracks)["TrackName"]);
-                    deluxeTrack->Update();
-                } else {
-                    TracksExisted = true;
-                }
-            }
+            // A title and its tracks reach the file together: whatever stops the export leaves
+            // the title with all its tracks or not at all, never with a count its rows lack.
+            RunAsTransaction(*deluxe, [&] {
+                if (deluxeTitle->IsEOF())
+                    deluxeTitle->AddNew();
+                else
+                    deluxeTitle->Edit();
+                SetTitleFields(*deluxeTitle, titles, *vendor);
+                deluxeTitle->Update();
+                ExportDeluxeTracks(*deluxe, *deluxeTracks, titles["idcd"], titleId, OverwriteTitles,
+                                   TracksExisted);
+            });
         }
     } catch (const VbError&) {
         MsgBox("An error occured during the process.", vbExclamation, "Unable to continue");

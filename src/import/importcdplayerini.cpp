@@ -98,8 +98,10 @@ bool ImportDisc(frmImport& window, const IniDisc& disc, long& idvendor, long idt
 
 void frmImport::ImportCdPlayerIni() {
     QStringList lines;
-    if (!ReadTextLines(IniPath, lines)) {
-        ShowImportStopped(Check1[0]->text(), IniPath, 53, "File not found");
+    QString problem;
+    if (!ReadTextLines(IniPath, lines, &problem)) {
+        // The design's number and text, and the system's reason, which may not be a missing file.
+        ShowImportStopped(Check1[0]->text(), IniPath, 53, "File not found (" + problem + ")");
         return;
     }
     // First pass: the raw lines give the sections, in file order.

@@ -8,9 +8,12 @@
 #include "toolkit/textencoding.h"
 #include "toolkit/vberror.h"
 
-bool ReadTextLines(const QString& path, QStringList& lines) {
+bool ReadTextLines(const QString& path, QStringList& lines, QString* problem) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return false;
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (problem) *problem = file.errorString();
+        return false;
+    }
     lines = DecodeLines(file.readAll());
     return true;
 }

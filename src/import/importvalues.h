@@ -9,8 +9,9 @@ class VbError;
 // Small pieces the three importers share.
 
 // The lines of a text file, each read as UTF-8 when it is valid UTF-8 and as Windows-1252
-// otherwise; CR LF, CR and LF each end a line. False when the file cannot be read.
-bool ReadTextLines(const QString& path, QStringList& lines);
+// otherwise; CR LF, CR and LF each end a line. False when the file cannot be read, and the
+// system's reason in problem.
+bool ReadTextLines(const QString& path, QStringList& lines, QString* problem = nullptr);
 
 // The vendor of the audio platform with this name, added when there is none; the id of the
 // last one found when there are several. The name goes into the statement as it stands: an

@@ -173,7 +173,7 @@ PageFile::PageFile(const QString& path) : journalPath_(JournalPath(path)) {
         ::close(fd_);
         throw WriteError(kErrorCorrupt, path + " is truncated or damaged.");
     }
-    pageCount_ = committedPageCount_ = uint32_t(info.st_size / kPageSize);
+    pageCount_ = committedPageCount_ = checkpointPageCount_ = uint32_t(info.st_size / kPageSize);
 }
 
 PageFile::~PageFile() {
@@ -202,6 +202,7 @@ QByteArray& PageFile::Page(uint32_t number) {
         found = pages_.emplace(number, page).first;
     }
     before_.try_emplace(number, found->second);
+    beforeCheckpoint_.try_emplace(number, found->second);
     return found->second;
 }
 
@@ -288,6 +289,7 @@ void PageFile::Commit() {
     changed_.clear();
     before_.clear();
     committedPageCount_ = pageCount_;
+    Checkpoint();
 }
 
 void PageFile::Discard() {
@@ -298,6 +300,26 @@ void PageFile::Discard() {
     pageCount_ = committedPageCount_;
     changed_.clear();
     before_.clear();
+    Checkpoint();
+}
+
+void PageFile::Checkpoint() {
+    beforeCheckpoint_.clear();
+    changedAtCheckpoint_ = changed_;
+    checkpointPageCount_ = pageCount_;
+}
+
+void PageFile::DiscardSinceCheckpoint() {
+    for (auto& [number, page] : beforeCheckpoint_) {
+        if (number < checkpointPageCount_) pages_[number] = page;
+    }
+    for (uint32_t number = checkpointPageCount_; number < pageCount_; ++number) {
+        pages_.erase(number);
+        before_.erase(number);
+    }
+    pageCount_ = checkpointPageCount_;
+    changed_ = changedAtCheckpoint_;
+    beforeCheckpoint_.clear();
 }
 
 }  // namespace jet

@@ -91,6 +91,10 @@ class PageFile {
     void Commit();
     // Throws away changes not yet committed (after a refusal half way through a row).
     void Discard();
+    // Several rows in one Commit: Checkpoint marks the end of one, and DiscardSinceCheckpoint
+    // throws away what was changed after the last mark (or Commit) only.
+    void Checkpoint();
+    void DiscardSinceCheckpoint();
     uint32_t PageCount() const { return pageCount_; }
 
   private:
@@ -107,6 +111,9 @@ class PageFile {
     std::map<uint32_t, QByteArray> pages_;
     std::map<uint32_t, QByteArray> before_;
     std::map<uint32_t, int> changed_;
+    std::map<uint32_t, QByteArray> beforeCheckpoint_;
+    std::map<uint32_t, int> changedAtCheckpoint_;
+    uint32_t checkpointPageCount_ = 0;
 };
 
 }  // namespace jet

@@ -148,13 +148,47 @@ RowLocation Writer::AppendRow(const QString& tableName, std::vector<QVariant> va
             WriteU32(tableHeader, at, ReadU32(tableHeader, at) + 1);
         }
         file_->MarkChanged(definition.page, kStageTableDefinition);
-        file_->Commit();
+        FinishRow();
         return location;
     } catch (...) {
-        file_->Discard();
-        table.freePages = UsageMapPages(*file_, definition.freePagesMap);
+        DropChanges(false);
         throw;
     }
+}
+
+void Writer::BeginUnit() {
+    inUnit_ = true;
+}
+
+void Writer::EndUnit(bool keep) {
+    if (!inUnit_) return;
+    inUnit_ = false;
+    if (!keep) {
+        DropChanges(true);
+        return;
+    }
+    try {
+        file_->Commit();
+    } catch (...) {
+        DropChanges(true);
+        throw;
+    }
+}
+
+void Writer::FinishRow() {
+    if (inUnit_)
+        file_->Checkpoint();
+    else
+        file_->Commit();
+}
+
+void Writer::DropChanges(bool unit) {
+    if (unit || !inUnit_)
+        file_->Discard();
+    else
+        file_->DiscardSinceCheckpoint();
+    for (auto& [name, table] : tables_)
+        table.freePages = UsageMapPages(*file_, table.definition.freePagesMap);
 }
 
 RowLocation Writer::FollowOverflow(RowLocation row) {
@@ -253,10 +287,9 @@ void Writer::ChangeRow(const QString& tableName, RowLocation row,
                 file_->MarkChanged(actual.page, kStageTableDefinition);
             }
         }
-        file_->Commit();
+        FinishRow();
     } catch (...) {
-        file_->Discard();
-        table.freePages = UsageMapPages(*file_, definition.freePagesMap);
+        DropChanges(false);
         throw;
     }
 }

@@ -43,21 +43,24 @@ QString AddOrRename(const LookupTable& lookup, int action, long id, QString& nam
     // A cancelled box and an unchanged name both end here without a word; case counts.
     if (newName.isEmpty() || newName == name) return {};
 
-    auto recordset = gDatabase->OpenRecordset(
-        "select * from " + lookup.table + " where " + lookup.idField + " = " + QString::number(id),
-        dbOpenDynaset);
-    if (action == kLookupAdd) {
-        recordset->AddNew();
-        if (!lookup.parentField.isEmpty())
-            recordset->Fields(lookup.parentField).SetValue(qlonglong(id));
-    } else {
-        recordset->Edit();
-    }
-    recordset->Fields(lookup.nameField).SetValue(newName);
-    // The counter of a new row is known before Update, so the result is made here.
-    const QString result =
-        QString::number(recordset->Fields(lookup.idField).Value().toLongLong()) + "~" + newName;
-    recordset->Update();
+    QString result;
+    RunAsTransaction(*gDatabase, [&] {
+        auto recordset = gDatabase->OpenRecordset("select * from " + lookup.table + " where " +
+                                                      lookup.idField + " = " + QString::number(id),
+                                                  dbOpenDynaset);
+        if (action == kLookupAdd) {
+            recordset->AddNew();
+            if (!lookup.parentField.isEmpty())
+                recordset->Fields(lookup.parentField).SetValue(qlonglong(id));
+        } else {
+            recordset->Edit();
+        }
+        recordset->Fields(lookup.nameField).SetValue(newName);
+        // The counter of a new row is known before Update, so the result is made here.
+        result =
+            QString::number(recordset->Fields(lookup.idField).Value().toLongLong()) + "~" + newName;
+        recordset->Update();
+    });
     SetDirtyFlags(lookup.treeDirtyAfterChange, lookup.listDirtyAfterChange);
     return result;
 }
@@ -106,8 +109,12 @@ QString Delete(const LookupTable& lookup, long id, const QString& name) {
             return {};
         }
     }
-    gDatabase->Execute("delete from " + lookup.table + " where " + lookup.idField + " = " +
-                       QString::number(id));
+    // The row goes with the rows that hang from it (titles, their tracks, types, specific items)
+    // in one transaction: all of them or, on any failure, none.
+    RunAsTransaction(*gDatabase, [&] {
+        gDatabase->Execute("delete from " + lookup.table + " where " + lookup.idField + " = " +
+                           QString::number(id));
+    });
     SetDirtyFlags(lookup.treeDirtyAfterDelete, lookup.listDirtyAfterDelete);
     return "0~";
 }

@@ -16,6 +16,18 @@ void OpenCatalogue() {
     gDatabase = DBEngine::OpenDatabase(gDatabasePath, true, false, ";pwd=" + gDatabasePassword);
 }
 
+void RunAsTransaction(Database& database, const std::function<void()>& writes) {
+    database.BeginTrans();
+    try {
+        writes();
+        database.CommitTrans();
+    } catch (...) {
+        // The failure that ended the writes is the one to report.
+        ResumeNext([&] { database.Rollback(); });
+        throw;
+    }
+}
+
 QString CatalogueFolder() {
     // Write permission is the owner's, as for the catalogue's own read-only attribute, so that
     // a folder its owner protected counts as read-only even for root.

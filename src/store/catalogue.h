@@ -29,6 +29,10 @@ bool CatalogueCannotBeWritten(const VbError& error);
 // Opens gDatabasePath exclusively with the password into gDatabase.
 void OpenCatalogue();
 
+// Runs writes between BeginTrans and CommitTrans of database; any failure rolls them back,
+// all of them, and goes on to the caller.
+void RunAsTransaction(Database& database, const std::function<void()>& writes);
+
 // Closes the catalogue, compacts it into data.compacted in the catalogue folder and puts the
 // compacted file in its place. With reopen, opens it again and reads gViewSQL into gRecordset
 // with filter and sort. Failures are reported in a box; the catalogue file always stays.

@@ -139,8 +139,13 @@ class Database {
     // One statement that returns no rows.
     void Execute(const QString& sql, int options = 0);
     long RecordsAffected() const;
-    // One transaction around a run of writes, for speed. A statement that fails inside it
-    // undoes only itself; everything else written stays and is kept by CommitTrans.
+    // A transaction around a run of writes. A statement that fails inside it undoes only
+    // itself; everything else written stays and is kept by CommitTrans, or undone by Rollback.
+    // Transactions nest as DAO's do: an inner CommitTrans keeps its writes for the outer one to
+    // keep or undo, an inner Rollback undoes its own writes alone. The engine may undo the whole
+    // transaction by itself (a full disk): Rollback then only closes the level, and CommitTrans
+    // refuses (3034), as it does without a BeginTrans. On a Jet file the writes of the outermost
+    // transaction reach the file together, whole or not at all.
     void BeginTrans();
     void CommitTrans();
     void Rollback();

@@ -135,21 +135,65 @@ void Database::Execute(const QString& sql, int) {
     connection_->recordsAffected = sqlite3_changes(connection_->db);
 }
 
+namespace {
+
+QString SavepointName(int level) {
+    return "dao_trans_" + QString::number(level);
+}
+
+[[noreturn]] void RaiseNoTransaction() {
+    Raise(3034,
+          "You tried to commit or rollback a transaction without first beginning a transaction.");
+}
+
+}  // namespace
+
 void Database::BeginTrans() {
     if (!IsOpen()) Raise(3420);
-    RunInternal(*connection_, "BEGIN");
+    Connection& connection = *connection_;
+    if (!InTransaction()) {
+        // Levels left open over a transaction the engine undid by itself are gone with it.
+        RunInternal(connection, "BEGIN");
+        connection.transactionLevels = 0;
+        connection.ownsTransaction = true;
+        if (connection.writer) connection.writer->BeginUnit();
+    } else {
+        if (connection.transactionLevels == 0) connection.ownsTransaction = false;
+        RunInternal(connection, "SAVEPOINT " + SavepointName(connection.transactionLevels + 1));
+    }
+    ++connection.transactionLevels;
 }
 
 void Database::CommitTrans() {
     if (!IsOpen()) Raise(3420);
-    RunInternal(*connection_, "COMMIT");
+    Connection& connection = *connection_;
+    if (connection.transactionLevels == 0 || !InTransaction()) RaiseNoTransaction();
+    if (connection.transactionLevels == 1 && connection.ownsTransaction) {
+        // The file takes the writes first: when it refuses them, the copy can still undo them.
+        if (connection.writer) connection.writer->EndUnit(true);
+        RunInternal(connection, "COMMIT");
+    } else {
+        RunInternal(connection, "RELEASE " + SavepointName(connection.transactionLevels));
+    }
+    --connection.transactionLevels;
 }
 
 void Database::Rollback() {
     if (!IsOpen()) Raise(3420);
+    Connection& connection = *connection_;
+    if (connection.transactionLevels == 0) RaiseNoTransaction();
+    const int level = connection.transactionLevels--;
+    const bool outermost = level == 1 && connection.ownsTransaction;
     // The transaction may have changed the schema the plans were made on.
-    connection_->ForgetOpenPlans();
-    RunInternal(*connection_, "ROLLBACK");
+    connection.ForgetOpenPlans();
+    if (outermost && connection.writer) connection.writer->EndUnit(false);
+    if (!InTransaction()) return;
+    if (outermost) {
+        RunInternal(connection, "ROLLBACK");
+    } else {
+        RunInternal(connection, "ROLLBACK TO " + SavepointName(level));
+        RunInternal(connection, "RELEASE " + SavepointName(level));
+    }
 }
 
 bool Database::InTransaction() const {

@@ -27,6 +27,10 @@ struct Connection {
     // without one it refuses them.
     bool jetCopy = false;
     std::unique_ptr<JetWriter> writer;
+    // BeginTrans calls not yet committed or rolled back. The first began the engine's
+    // transaction when none was open (ownsTransaction), each further one is a savepoint in it.
+    int transactionLevels = 0;
+    bool ownsTransaction = false;
     // The layer's own statements (the writes of Update, the reads after them) come back for
     // every row of an import; each is prepared once per connection.
     mutable QHash<QString, sqlite3_stmt*> internalStatements;

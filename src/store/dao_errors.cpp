@@ -1,6 +1,8 @@
 // Jet's numbers and texts for the store's refusals, and the engine's error list.
 
 #include <QList>
+#include <cerrno>
+#include <cstring>
 
 #include "store/dao_detail.h"
 
@@ -54,6 +56,14 @@ QString JetText(int number) {
         default:
             return QString();
     }
+}
+
+// Jet's text names no cause; the system's reason after it tells the user what to do about it. The
+// engine keeps no reason when it found the disk full by a short write.
+QString SystemReason(const dao_detail::Connection& connection, int otherwise) {
+    const int error = sqlite3_system_errno(connection.db);
+    if (error == 0 && otherwise == 0) return QString();
+    return " (" + QString::fromLocal8Bit(std::strerror(error != 0 ? error : otherwise)) + ")";
 }
 
 }  // namespace
@@ -113,9 +123,9 @@ void RaiseSqlite(const Connection& connection, sqlite3_stmt* failed) {
             // A catalogue whose folder is read-only cannot make its journal there.
             Raise(jetObjectReadOnly);
         case SQLITE_IOERR:
-            Raise(3043, "Disk or network error.");
+            Raise(3043, "Disk or network error." + SystemReason(connection, 0));
         case SQLITE_FULL:
-            Raise(3035, "System resource exceeded.");
+            Raise(3035, "System resource exceeded." + SystemReason(connection, ENOSPC));
         case SQLITE_CANTOPEN:
             Raise(3051, message);
         case SQLITE_CONSTRAINT:

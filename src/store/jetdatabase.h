@@ -36,6 +36,12 @@ class JetWriter {
   public:
     virtual ~JetWriter() = default;
     virtual void Apply(const JetRowChange& change) = 0;
+    // The changes applied between BeginUnit and EndUnit reach the file as one: EndUnit(true)
+    // writes them all or, failing, none (and throws); EndUnit(false) drops them. A change
+    // refused inside the unit drops only itself. A writer that writes each change at once
+    // needs neither.
+    virtual void BeginUnit() {}
+    virtual void EndUnit(bool /*keep*/) {}
 };
 
 // Called once for every Jet file opened for writing. It may throw a VbError to refuse the file

@@ -18,6 +18,16 @@ class FileJetWriter : public JetWriter {
         }
     }
 
+    void BeginUnit() override { writer_.BeginUnit(); }
+
+    void EndUnit(bool keep) override {
+        try {
+            writer_.EndUnit(keep);
+        } catch (const jet::WriteError& error) {
+            throw VbError(error.Number, error.Description);
+        }
+    }
+
   private:
     void Write(const JetRowChange& change) {
         switch (change.kind) {

@@ -4,6 +4,7 @@
 // compared without regard to case. It replaces SQLite's own like on every connection, so the
 // program's statements keep their Jet patterns.
 
+#include <QList>
 #include <QString>
 #include <vector>
 

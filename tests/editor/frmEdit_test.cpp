@@ -277,16 +277,11 @@ class frmEditTest : public QObject {
         // A text that ends in a line end gets no extra row.
         QCOMPARE(StoredTracks(id), QStringList({"0:a", "1:b"}));
 
-        // An empty text removes every row.
+        // The counter is one byte: the 257th line fails. The save is one transaction: the box
+        // names the overflow, the form stays open with what was typed, and the catalogue holds
+        // the title as it was, with its old tracks and count.
         form = OpenEditor(false, id);
-        TypeTracks(form, {});
-        QTest::mouseClick(form->cmdOK, Qt::LeftButton);
-        QCOMPARE(StoredTracks(id), QStringList());
-        QCOMPARE(TitleField(id, "NumTracks").toInt(), 0);
-
-        // The counter is one byte: the 257th line fails after row 255 is written, the box
-        // names the overflow and the form stays open with the old count.
-        form = OpenEditor(false, id);
+        form->txtTitle->setText("Edges renamed");
         QStringList lines;
         for (int line = 0; line < 258; ++line) lines << QString("t%1").arg(line);
         OnNextModal([lines](frmTracksListing* dialog) {
@@ -295,12 +290,38 @@ class frmEditTest : public QObject {
         });
         QTest::mouseClick(form->cmdTracks, Qt::LeftButton);
         QTest::mouseClick(form->cmdOK, Qt::LeftButton);
-        QCOMPARE(dialogs->msgBoxes, Boxes({{"6: Overflow", vbCritical, "Velmora"}}));
+        QCOMPARE(dialogs->takeBoxes(), Boxes({{"6: Overflow", vbCritical, "Velmora"}}));
         QVERIFY(form && form->isVisible());
-        QCOMPARE(Scalar("select count(*) from Tracks where idcd = " + QString::number(id)).toInt(),
-                 256);
-        QCOMPARE(TitleField(id, "NumTracks").toInt(), 0);
+        QCOMPARE(form->txtTitle->text(), QString("Edges renamed"));
+        QCOMPARE(StoredTracks(id), QStringList({"0:a", "1:b"}));
+        QCOMPARE(TitleField(id, "nmcd || '|' || NumTracks").toString(), QString("Edges|2"));
+        QCOMPARE(gCurrentTitleId, id);
         form->Unload();
+
+        // An empty text removes every row.
+        form = OpenEditor(false, id);
+        TypeTracks(form, {});
+        QTest::mouseClick(form->cmdOK, Qt::LeftButton);
+        QCOMPARE(StoredTracks(id), QStringList());
+        QCOMPARE(TitleField(id, "NumTracks").toInt(), 0);
+
+        // A failed add leaves no title behind, and a second click adds it once.
+        const long titles = TitleCount();
+        form = OpenEditor(true);
+        FillAudioTitle(form, "Too many");
+        OnNextModal([lines](frmTracksListing* dialog) {
+            dialog->SetText(lines.join(kCrLf));
+            QTest::mouseClick(dialog->cmdOK, Qt::LeftButton);
+        });
+        QTest::mouseClick(form->cmdTracks, Qt::LeftButton);
+        QTest::mouseClick(form->cmdOK, Qt::LeftButton);
+        QCOMPARE(dialogs->takeBoxes(), Boxes({{"6: Overflow", vbCritical, "Velmora"}}));
+        QCOMPARE(TitleCount(), titles);
+        QCOMPARE(RowCount("Tracks where TrackName = 't0'"), 0L);
+        TypeTracks(form, {"x"});
+        ClickOK(form);
+        QVERIFY(!form);
+        QCOMPARE(TitleCount(), titles + 1);
     }
 
     void listingRoadAndChangedPlatform() {

@@ -112,16 +112,41 @@ class ReadDiscTest : public QObject {
         QCOMPARE(form->txtTitle->text(), QString("Blue Hours"));
         QCOMPARE(form->Combo1[1]->currentText(), QString("Ann Tanner"));
         QCOMPARE(TracksText(form), QString::fromUtf8("Morning\r\nTrack 2\r\nCafé Night"));
-        // The artist was added to the audio platform without asking for a name.
+        // The artist is text until the title is saved: Cancel leaves no vendor behind.
+        const QString annTanner = "vendor where idplatform = 1 and nmvendor = 'Ann Tanner'";
         QVERIFY(dialogs->inputs.isEmpty());
-        QCOMPARE(Scalar("select count(*) from vendor where idplatform = 1 and nmvendor = 'Ann "
-                        "Tanner'")
-                     .toInt(),
-                 1);
+        QCOMPARE(RowCount(annTanner), 0L);
+        form->cmdCancel_Click();
+        QCOMPARE(RowCount(annTanner), 0L);
 
+        // Renamed and deleted with the gold buttons, it changes in the list alone.
+        form = OpenEditor(true);
+        ChooseTitleKind(form, "Audio", "Jazz", "Album");
+        const int vendors = form->Combo1[1]->count();
+        Choose(BlueHoursCue(images->path()));
+        dialogs->answerMsgBox(vbYes);
+        form->cmdReadDisc_Click();
+        dialogs->answerInput("Ann Tanner Trio");
+        form->cmdVendor_Click(1);
+        QCOMPARE(form->Combo1[1]->currentText(), QString("Ann Tanner Trio"));
+        form->cmdVendor_Click(2);
+        QCOMPARE(form->Combo1[1]->count(), vendors);
+        Choose(BlueHoursCue(images->path()));
+        dialogs->answerMsgBox(vbYes);
+        form->cmdReadDisc_Click();
+        dialogs->takeBoxes();
+        QCOMPARE(RowCount("vendor where nmvendor = 'Ann Tanner Trio'"), 0L);
+
+        // Update adds it, once, as the title's vendor.
         form->cmdOK_Click();
         QVERIFY(!gEditForm);
         const QString id = QString::number(gCurrentTitleId);
+        QCOMPARE(Scalar("select nmvendor from vendor, title where vendor.idvendor = "
+                        "title.idvendor and idcd = " +
+                        id)
+                     .toString(),
+                 QString("Ann Tanner"));
+        QCOMPARE(RowCount(annTanner), 1L);
         QCOMPARE(Scalar("select TitleID from title where idcd = " + id).toLongLong(), kBlueHoursId);
         QCOMPARE(Scalar("select NumTracks from title where idcd = " + id).toInt(), 3);
         QCOMPARE(Scalar("select TrackName from Tracks where idcd = " + id + " and TrackID = 2")

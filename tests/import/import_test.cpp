@@ -351,6 +351,15 @@ class ImportTest : public QObject {
                                  " stopped.\r\nError 9: Subscript out of range: the file holds "
                                  "more than 1000 discs.",
                              vbCritical, kIniSource}));
+
+        // A file that cannot be read: the design's number and text, then the system's reason.
+        QFile::remove(ini);
+        full.ImportCdPlayerIni();
+        QCOMPARE(dialogs.msgBoxes.last(),
+                 MsgBoxCall({"The import from " + ini +
+                                 " stopped.\r\nError 53: File not found (No such file or "
+                                 "directory)",
+                             vbCritical, kIniSource}));
     }
 
     void overwritingKeepsThePreviousDiscsVendor() {

@@ -224,8 +224,27 @@ class JetWriterTest : public QObject {
             QVERIFY(Refusal([&] { writer.AppendRow("Nothing", {}); }).startsWith("3078"));
             QVERIFY(Refusal([&] { writer.AppendRow("MSysObjects", {}); }).contains("long values"));
             QVERIFY(Refusal([&] { jet::Writer second(path); }).startsWith("3045"));
+            // A unit given up leaves nothing of its rows.
+            writer.BeginUnit();
+            writer.AppendRow("Titles", {8801, "Unit", "Dropped", 1});
+            writer.AppendRow("Tracks", {8801, 0, "Dropped"});
+            writer.EndUnit(false);
         }
         QCOMPARE(ReadBytes(path), before);
+        {
+            // Inside a unit a refused row drops itself alone.
+            jet::Writer writer(path);
+            writer.BeginUnit();
+            writer.AppendRow("Titles", {8802, "Unit", "Kept", 1});
+            QVERIFY(Refusal([&] {
+                        writer.AppendRow("Titles", {1001, "Again", "Dup", 1});
+                    }).startsWith("3022"));
+            writer.AppendRow("Tracks", {8802, 0, "Kept"});
+            writer.EndUnit(true);
+        }
+        QVERIFY(ExportedRows(path, "Titles").contains(TitleLine(8802, "Unit", "Kept", 1)));
+        QVERIFY(ExportedRows(path, "Tracks").contains(TrackLine(8802, 0, "Kept")));
+        VerifyIndexes(path, "Titles");
 
         const QString textIndex = CopyFixture(folder, "bigIndexTestV2000.mdb");
         const QByteArray textBefore = ReadBytes(textIndex);
@@ -322,9 +341,14 @@ class JetWriterTest : public QObject {
                     jet::Writer writer(path);
                     for (int i = 0; i < 3000; ++i) {
                         const int id = round * 100000 + i;
+                        // Every other title with its tracks as one unit.
+                        const bool unit = i % 2 == 0;
+                        if (unit) writer.BeginUnit();
                         writer.AppendRow("Titles",
-                                         {id, "Cut artist", QStringLiteral("Title %1").arg(i), 1});
-                        writer.AppendRow("Tracks", {id, 0, "Only"});
+                                         {id, "Cut artist", QStringLiteral("Title %1").arg(i), 2});
+                        writer.AppendRow("Tracks", {id, 0, "One"});
+                        writer.AppendRow("Tracks", {id, 1, "Two"});
+                        if (unit) writer.EndUnit(true);
                     }
                 } catch (const jet::WriteError& error) {
                     _exit(error.Number == jet::kErrorDiskFull ? 0 : 1);
@@ -349,7 +373,17 @@ class JetWriterTest : public QObject {
             kept = ExportedRows(path, "Titles");
             QCOMPARE(titles->RecordCount(), long(kept.size()));
             QCOMPARE(CountedRows(path, "Titles"), long(kept.size()));
-            QCOMPARE(CountedRows(path, "Tracks"), long(ExportedRows(path, "Tracks").size()));
+            const QStringList tracks = ExportedRows(path, "Tracks");
+            QCOMPARE(CountedRows(path, "Tracks"), long(tracks.size()));
+            // A title written as a unit is there with both its tracks or not at all.
+            for (int i = 0; i < 3000; i += 2) {
+                const int id = round * 100000 + i;
+                const bool title = kept.contains(
+                    TitleLine(id, "Cut artist", QStringLiteral("Title %1").arg(i), 2));
+                const int trackRows = int(tracks.contains(TrackLine(id, 0, "One"))) +
+                                      int(tracks.contains(TrackLine(id, 1, "Two")));
+                QVERIFY2(trackRows == (title ? 2 : 0), qPrintable(QString::number(id)));
+            }
             VerifyIndexes(path, "Titles");
             QVERIFY(!QFile::exists(path + "-journal"));
         }

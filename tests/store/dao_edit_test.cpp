@@ -1,6 +1,8 @@
 // Writing the catalogue through recordsets and statements: counters, edits, the store's
 // refusals and its cascades.
 
+#include <sqlite3.h>
+
 #include "store/catalogue.h"
 #include "store/storetest.h"
 #include "support/testsupport.h"
@@ -149,6 +151,60 @@ class DaoEditTest : public QObject {
         QCOMPARE(RowCount("title"), 0L);
         QCOMPARE(RowCount("Tracks"), 0L);
         QCOMPARE(RowCount("vendor where idvendor = 1"), 1L);
+    }
+
+    // Transactions nest as DAO's do; one the engine undid by itself only needs its level closed;
+    // a full disk says why.
+    void transactionsNestAndAFullDiskSaysWhy() {
+        const auto names = [] {
+            QStringList found;
+            auto rs = gDatabase->OpenRecordset("select nmcd from title order by nmcd");
+            for (; !rs->IsEOF(); rs->MoveNext()) found << rs->Fields(0).Value().toString();
+            return found;
+        };
+        gDatabase->BeginTrans();
+        AddTitle(*gDatabase, "A");
+        gDatabase->BeginTrans();
+        AddTitle(*gDatabase, "B");
+        gDatabase->Rollback();
+        gDatabase->BeginTrans();
+        AddTitle(*gDatabase, "C");
+        gDatabase->CommitTrans();
+        QVERIFY(gDatabase->InTransaction());
+        gDatabase->CommitTrans();
+        QVERIFY(!gDatabase->InTransaction());
+        QCOMPARE(names(), QStringList({"A", "C"}));
+
+        gDatabase->BeginTrans();
+        gDatabase->BeginTrans();
+        AddTitle(*gDatabase, "D");
+        gDatabase->CommitTrans();
+        gDatabase->Rollback();
+        QCOMPARE(names(), QStringList({"A", "C"}));
+        QCOMPARE(Refusal([] { gDatabase->CommitTrans(); }),
+                 "3034 You tried to commit or rollback a transaction without first beginning a "
+                 "transaction.");
+
+        // The engine ends a transaction by itself on some failures; what was begun inside it is
+        // gone, Rollback closes the levels without a word, CommitTrans refuses.
+        gDatabase->BeginTrans();
+        gDatabase->BeginTrans();
+        AddTitle(*gDatabase, "E");
+        gDatabase->Execute("ROLLBACK");
+        QCOMPARE(ErrorNumber([] { gDatabase->CommitTrans(); }), 3034);
+        gDatabase->Rollback();
+        gDatabase->Rollback();
+        QCOMPARE(names(), QStringList({"A", "C"}));
+
+        // The engine's own limit of the file's size stands in for a full disk.
+        QCOMPARE(sqlite3_exec(gDatabase->Handle(), "PRAGMA max_page_count = 1", nullptr, nullptr,
+                              nullptr),
+                 SQLITE_OK);
+        QCOMPARE(Refusal([] {
+                     gDatabase->Execute("INSERT INTO title (nmcd, memo) VALUES ('F', '" +
+                                        QString(100000, 'm') + "')");
+                 }),
+                 "3035 System resource exceeded. (No space left on device)");
     }
 
   private:

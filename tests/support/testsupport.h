@@ -8,6 +8,7 @@
 #include <QQueue>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <QtWidgets>
 #include <functional>
 #include <utility>
 
