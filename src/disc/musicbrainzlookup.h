@@ -17,9 +17,11 @@ class MusicBrainzLookup : public OnlineDatabase {
     // Longer waits than this are not waited out: the server is busy.
     static constexpr int kMaxRetryAfterSeconds = 30;
 
-  private:
+  protected:
     // Asks for path at the pace the service allows; a 503 is tried once more.
     void Ask(const QString& path, AnswerHandler then);
+
+  private:
     // The interval runs from each request's start.
     void Sending() override;
     void TakeReleases(const Answer& answer);

@@ -82,6 +82,7 @@ void frmEdit::cmdOK_Click() {
             else
                 WriteTracks(text);
         }
+        WriteShelfFields();
         if (!gListDirty) UpdateMainList();
         if (!gRecordset) throw VbError(kObjectNotSet, kObjectNotSetText);
         gRecordset->Requery();
