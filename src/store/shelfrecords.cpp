@@ -59,7 +59,9 @@ TitleCover ReadCover(long idcd) {
 }
 
 QByteArray ReadCoverThumbnail(long idcd) {
-    std::unique_ptr<Recordset> row = RowOf("cover", idcd, "thumbnail");
+    // Read for the list's tooltip and the HTML page, title after title: a plain forward read.
+    std::unique_ptr<Recordset> row = gDatabase->OpenRecordset(
+        "select thumbnail from cover where idcd = " + QString::number(idcd), dbOpenForwardOnly);
     return row->IsEOF() ? QByteArray() : row->Fields("thumbnail").Value().toByteArray();
 }
 
