@@ -8,11 +8,11 @@
 struct LookupSettings {
     QString musicBrainzServer;
     QString gnudbServer;
-    // The Cover Art Archive, and whether covers come at 1200 px rather than 500 (LargeCovers).
-    QString coverArtServer;
-    bool largeCovers = false;
     // The user name of the CDDB greeting.
     QString cddbUser;
+    // The Cover Art Archive, and whether covers come at 1200 px rather than 500 (LargeCovers).
+    QString coverArtServer = {};
+    bool largeCovers = false;
 };
 
 // The settings' key, under which the values MusicBrainzServer, GnudbServer, CoverArtServer,
