@@ -1,8 +1,9 @@
-// Reads any byte string as the online databases' answers: a MusicBrainz JSON answer, a CDDB
-// query answer and an xmcd entry.
+// Reads any byte string as the online databases' answers: a MusicBrainz JSON answer, the
+// answers of a look-up by barcode, a CDDB query answer and an xmcd entry.
 #include <cstddef>
 #include <cstdint>
 
+#include "disc/barcodeanswer.h"
 #include "disc/cddbanswer.h"
 #include "disc/musicbrainzanswer.h"
 
@@ -15,5 +16,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ReadCddbQueryAnswer(answer, entries, problem);
     DiscMatch match;
     ReadCddbEntry(answer, {"rock", "370fce16", "A / B"}, match, problem);
+    ReadBarcodeSearchAnswer(answer, matches, problem);
+    DiscMatch release;
+    release.identifier = "f1a2-deluxe";
+    release.discNumber = 2;
+    ReadBarcodeReleaseAnswer(answer, release, problem);
     return 0;
 }
