@@ -64,7 +64,7 @@ QLayout* frmEdit::BuildShelfWidgets() {
                 TakeCoverImage(bytes, QString(), source);
             });
     connect(picCover, &CoverBox::DropRefused, this,
-            [this](const QString& problem) { MsgBox(problem, vbExclamation, kCoverTitle); });
+            [](const QString& problem) { MsgBox(problem, vbExclamation, kCoverTitle); });
     cmdCover = new ctlGoldButton(this, "cmdCover");
     cmdCover->setObjectName("cmdCover");
     cmdCover->setCaption("Cover");
