@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QTreeWidget>
 
@@ -265,6 +266,7 @@ class ShelfTest : public QObject {
     void coverFromFileRemoveAndRefusals() {
         const long stored = StoreTitle(
             "'Grey Days', 1, 1, 1, 4, 10, 1, '', 1, 75, '2024-01-01', '2024-01-01', '', ''");
+        SelectNode("root");
         // A large cover is scaled to 1200 on its long side; Cancel writes nothing.
         QPointer<frmEdit> form = OpenEditor(false, stored);
         QVERIFY(!form->mnuCoverRemove->isEnabled() || form->Cover().IsEmpty());
@@ -300,6 +302,29 @@ class ShelfTest : public QObject {
         QCOMPARE(
             Scalar("select image from cover where idcd = " + QString::number(stored)).toByteArray(),
             small);
+
+        // A file dropped on the box, and a browser's image, are taken as a file is.
+        auto drop = [&form](QMimeData* data) {
+            const QPointF at(10, 10);
+            QDragEnterEvent enter(at.toPoint(), Qt::CopyAction, data, Qt::LeftButton, {});
+            QApplication::sendEvent(form->picCover, &enter);
+            QVERIFY(enter.isAccepted());
+            QDropEvent dropped(at, Qt::CopyAction, data, Qt::LeftButton, {});
+            QApplication::sendEvent(form->picCover, &dropped);
+        };
+        form = OpenEditor(false, stored);
+        QMimeData file;
+        file.setUrls({QUrl::fromLocalFile(WriteFile("dropped.png", coverimages::Png(90, 60)))});
+        drop(&file);
+        QCOMPARE(form->Cover().source, QString("dropped.png"));
+        QMimeData browser;
+        QImage image(70, 70, QImage::Format_RGB32);
+        image.fill(Qt::darkRed);
+        browser.setImageData(image);
+        drop(&browser);
+        QCOMPARE(form->Cover().source, QString("a dropped image"));
+        QCOMPARE(dialogs->takeBoxes(), Boxes());
+        form->cmdCancel_Click();
 
         // Remove, then Update: the row goes. Without a release the archive is not offered.
         form = OpenEditor(false, stored);
