@@ -2,7 +2,8 @@
 # Installs the Debian packages Velmora needs to build, run and test, and only those missing.
 # `install-deps.sh deb` adds what making and checking the Debian package needs.
 set -euo pipefail
-packages=(build-essential cmake pkg-config qt6-base-dev qt6-qpa-plugins libsqlite3-dev mdbtools-dev
+packages=(build-essential cmake pkg-config qt6-base-dev qt6-qpa-plugins qt6-image-formats-plugins
+          libsqlite3-dev mdbtools-dev
           xvfb xauth fonts-dejavu-core clang libclang-rt-14-dev mdbtools
           libcdio-dev libiso9660-dev libdiscid-dev xorriso chromium)
 if [ "${1:-}" = "deb" ]; then

@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 
 #include "bench/benchboxes.h"
+#include "bench/coverscenarios.h"
 #include "bench/deluxescenarios.h"
 #include "bench/syntheticcatalogue.h"
 #include "export/frmExport.h"
@@ -90,6 +91,20 @@ std::vector<double> TimeWriter(
 
 std::vector<double> TimeHtmlExport(int titles, int runs) {
     return TimeWriter(titles, runs, &frmExport::ExportToHtml);
+}
+
+std::vector<double> TimeHtmlExportWithCovers(int titles, int runs) {
+    return TimeWriter(titles, runs, &frmExport::ExportToHtml,
+                      [](frmExport& form, const QTemporaryDir& dir) {
+                          if (!form.chkCovers->isChecked()) {
+                              // The covers go in once, before the first timed run.
+                              CloseCatalogue();
+                              AddCoversToCatalogue(dir.path());
+                              gDatabasePath = dir.filePath("data.gdb");
+                              OpenCatalogue();
+                              form.chkCovers->setChecked(true);
+                          }
+                      });
 }
 
 std::vector<double> TimeTabExport(int titles, int runs) {

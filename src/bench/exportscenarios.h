@@ -7,6 +7,8 @@
 
 // The HTML page, the TAB file and the clipboard report of titles many audio titles.
 std::vector<double> TimeHtmlExport(int titles, int runs);
+// The HTML page with every title's cover beside it.
+std::vector<double> TimeHtmlExportWithCovers(int titles, int runs);
 std::vector<double> TimeTabExport(int titles, int runs);
 std::vector<double> TimeClipboardExport(int titles, int runs);
 // titles audio discs into a cdplayer.ini that already holds as many other discs.

@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 
+#include "bench/coverscenarios.h"
 #include "bench/deluxescenarios.h"
 #include "bench/discscenarios.h"
 #include "bench/exportscenarios.h"
@@ -46,9 +47,20 @@ class Catalogues {
         }
         return dir->path();
     }
+    // The same, every title with a cover.
+    QString FolderWithCoversFor(int titles) {
+        auto& dir = coveredFolders_[titles];
+        if (!dir) {
+            dir = std::make_unique<QTemporaryDir>();
+            BuildSyntheticCatalogue(dir->path(), titles);
+            AddCoversToCatalogue(dir->path());
+        }
+        return dir->path();
+    }
 
   private:
     std::map<int, std::unique_ptr<QTemporaryDir>> folders_;
+    std::map<int, std::unique_ptr<QTemporaryDir>> coveredFolders_;
 };
 
 void StartProgram() {
@@ -111,8 +123,8 @@ void Report(const QString& name, const std::vector<double>& wall) {
 }
 
 // The list of the root folder is read again as a forced refresh does, up to its first paint.
-void ReadRecordsRoot(Catalogues& catalogues, int titles, int runs) {
-    App.Path = catalogues.FolderFor(titles);
+void ReadRecordsRoot(Catalogues& catalogues, int titles, int runs, bool covers = false) {
+    App.Path = covers ? catalogues.FolderWithCoversFor(titles) : catalogues.FolderFor(titles);
     StartProgram();
     if (!gMainForm || gMainForm->ListItemCount() == 0)
         throw VbError(0, "the program did not start");
@@ -129,7 +141,8 @@ void ReadRecordsRoot(Catalogues& catalogues, int titles, int runs) {
             throw VbError(0, QString("the root lists %1 titles").arg(gMainForm->ListItemCount()));
     }
     EndProgram();
-    Report(QString("ReadRecords root %1 titles").arg(titles), times);
+    Report(QString("ReadRecords root %1 titles%2").arg(titles).arg(covers ? " with covers" : ""),
+           times);
 }
 
 // From a new main window to its first filled and painted list, without the splash.
@@ -163,6 +176,8 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
     static const std::vector<std::pair<QString, Scenario>> scenarios = {
         {"readrecords-1000", [](Catalogues& c, int runs) { ReadRecordsRoot(c, 1000, runs); }},
         {"readrecords-32767", [](Catalogues& c, int runs) { ReadRecordsRoot(c, 32767, runs); }},
+        {"readrecords-32767-covers",
+         [](Catalogues& c, int runs) { ReadRecordsRoot(c, 32767, runs, true); }},
         {"startup-32767", [](Catalogues& c, int runs) { StartUp(c, 32767, runs); }},
         {"search-title-32767",
          [](Catalogues& c, int runs) {
@@ -218,6 +233,27 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
          [](Catalogues& c, int runs) {
              Report("Look-up to filled editor, one match, loopback server",
                     TimeLookupIntoEditor(c.FolderFor(1000), runs));
+         }},
+        {"barcode-one-release",
+         [](Catalogues& c, int runs) {
+             Report("Barcode to filled editor, one release, loopback server, less the pace",
+                    TimeBarcodeIntoEditor(c.FolderFor(1000), runs));
+         }},
+        {"cover-tooltip-1000",
+         [](Catalogues& c, int runs) {
+             Report("Tooltip of a title with a cover, 1000 titles with covers",
+                    TimeCoverToolTip(c.FolderWithCoversFor(1000), runs));
+         }},
+        {"cover-growth-100",
+         [](Catalogues&, int) {
+             QTextStream(stdout) << "Catalogue growth per cover beyond the image's bytes: "
+                                 << QString::number(CoverOverheadBytes(100), 'f', 0)
+                                 << " bytes (100 covers)\n";
+         }},
+        {"export-html-covers-1000",
+         [](Catalogues&, int runs) {
+             Report("HTML export 1000 audio titles with covers",
+                    TimeHtmlExportWithCovers(1000, runs));
          }},
         {"lookup-repaint-gap",
          [](Catalogues&, int runs) {

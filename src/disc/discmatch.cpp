@@ -13,8 +13,11 @@ void ReplaceControls(QString& text) {
 }  // namespace
 
 QString MatchMemoLine(const DiscMatch& match) {
-    return match.source == "MusicBrainz" ? "MusicBrainz release " + match.identifier
-                                         : match.source + " " + match.identifier;
+    const QString line = match.source == "MusicBrainz" ? "MusicBrainz release " + match.identifier
+                                                       : match.source + " " + match.identifier;
+    return match.discCount > 1
+               ? line + QString(" (disc %1 of %2)").arg(match.discNumber).arg(match.discCount)
+               : line;
 }
 
 void ReplaceControlCharacters(DiscMatch& match) {

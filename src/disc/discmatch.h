@@ -20,11 +20,15 @@ struct DiscMatch {
     int discCount = 1;
     // The names of the medium's tracks in their order.
     QStringList tracks;
+    // How many tracks the medium has, also where their names are not yet known (a release
+    // found by barcode).
+    int trackCount = 0;
     // The medium carries the disc's own ID, not only a similar table.
     bool discIdMatched = false;
 };
 
-// The memo line that records where a title's names came from.
+// The memo line that records where a title's names came from; a disc of a set says which
+// ("(disc 2 of 3)").
 QString MatchMemoLine(const DiscMatch& match);
 
 // Each run of control characters (a tab, a line end, a NUL, a bell...) in the match's text

@@ -27,6 +27,9 @@ LookupSettings ReadLookupSettings() {
     settings.musicBrainzServer =
         Server("VELMORA_MUSICBRAINZ_SERVER", "MusicBrainzServer", "https://musicbrainz.org");
     settings.gnudbServer = Server("VELMORA_GNUDB_SERVER", "GnudbServer", "https://gnudb.gnudb.org");
+    settings.coverArtServer =
+        Server("VELMORA_COVERART_SERVER", "CoverArtServer", "https://coverartarchive.org");
+    settings.largeCovers = Setting("LargeCovers", "0") == "1";
     settings.cddbUser = Setting("CddbUser", "velmora");
     return settings;
 }

@@ -19,9 +19,11 @@ class MusicBrainzLookup : public OnlineDatabase {
     // Longer waits than this are not waited out: the server is busy.
     static constexpr int kMaxRetryAfterSeconds = 30;
 
-  private:
+  protected:
     // Asks for path at the pace the service allows; a 503 is tried once more.
     void Ask(const QString& path, AnswerHandler then);
+
+  private:
     // The interval runs from the time the previous request was sent, whichever look-up sent it.
     int WaitBeforeSending() const override;
     void Sending() override;

@@ -88,12 +88,13 @@ void OnlineDatabase::Send() {
     request.setRawHeader("Accept", "application/json, text/plain");
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute,
                          QNetworkRequest::AlwaysNetwork);
+    request.setMaximumRedirectsAllowed(kMaxRedirects);
     Sending();
     reply_ = manager_.get(request);
     deadline_.start(RequestTimeoutMs);
     connect(reply_, &QNetworkReply::downloadProgress, this, [this](qint64 received, qint64 total) {
-        if (received > kMaxAnswerBytes || total > kMaxAnswerBytes)
-            Done("the answer is larger than " + QString::number(kMaxAnswerBytes >> 20) + " MB.");
+        if (received > MaxAnswerBytes || total > MaxAnswerBytes)
+            Done("the answer is larger than " + QString::number(MaxAnswerBytes >> 20) + " MB.");
     });
     connect(reply_, &QNetworkReply::requestSent, this, [this] { Sending(); });
     connect(reply_, &QNetworkReply::finished, this, [this] { Done(QString()); });

@@ -28,6 +28,10 @@ class OnlineDatabase : public QObject {
 
     int RequestTimeoutMs = 15000;
     static constexpr qint64 kMaxAnswerBytes = 4 * 1024 * 1024;
+    // Images are larger than the databases' answers.
+    qint64 MaxAnswerBytes = kMaxAnswerBytes;
+    // A redirect is followed when it is no less safe, this many times at most.
+    static constexpr int kMaxRedirects = 5;
 
     QString Name() const { return name_; }
     // Stops the request under way and any wait; Finished is not emitted.

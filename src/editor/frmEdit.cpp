@@ -1,5 +1,6 @@
 #include "editor/frmEdit.h"
 
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QGridLayout>
@@ -207,6 +208,7 @@ void frmEdit::BuildWindow() {
 
     for (QObject* field : std::initializer_list<QObject*>{txtTitle, Text2, Memo})
         field->installEventFilter(this);
+    QLayout* coverColumn = BuildShelfWidgets();
 
     auto caption = [this](const QString& text, const QString& tip) {
         auto* label = new QLabel(text, this);
@@ -246,6 +248,9 @@ void frmEdit::BuildWindow() {
         caption("Jewelcase label", "A label that you used on the jewelcase for identification"), 1,
         0);
     fields->addWidget(Text2, 1, 1);
+    fields->addWidget(caption("Barcode", "The barcode on the case"), 2, 0);
+    fields->addWidget(txtBarcode, 2, 1);
+    fields->addWidget(chkAddNext, 2, 2);
 
     auto* dates = new QHBoxLayout;
     dates->addWidget(new QLabel("Created: ", this));
@@ -259,13 +264,17 @@ void frmEdit::BuildWindow() {
     buttons->addWidget(cmdTracks);
     buttons->addWidget(cmdReadDisc);
     buttons->addWidget(cmdLookup);
+    buttons->addWidget(cmdBarcode);
     buttons->addStretch();
     buttons->addWidget(cmdOK);
     buttons->addWidget(cmdCancel);
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(fields);
-    layout->addWidget(Frame1);
+    auto* listsAndCover = new QHBoxLayout;
+    listsAndCover->addWidget(Frame1, 1);
+    listsAndCover->addLayout(coverColumn);
+    layout->addLayout(listsAndCover);
     layout->addWidget(caption("Memo", "A note regarding your cd-title"));
     layout->addWidget(Memo);
     layout->addLayout(dates);
@@ -442,7 +451,12 @@ bool frmEdit::eventFilter(QObject* watched, QEvent* event) {
     }
     // A key-up whose key-down went to an open list of this window, or to a box, is not ours.
     if (IgnoreKeyUp || !(enter || escape) || !keyupguard::CameHere(watched, key)) return false;
-    if (enter)
+    // A scanner types the barcode and Enter: new digits are looked up, and the next Enter
+    // saves.
+    if (enter && watched == txtBarcode && !txtBarcode->text().trimmed().isEmpty() &&
+        txtBarcode->text().trimmed() != lookedUpBarcode_)
+        cmdBarcode_Click();
+    else if (enter)
         cmdOK_Click();
     else
         Unload();
@@ -495,7 +509,9 @@ void frmEdit::Unload() {
 }
 
 void ShowEditForm(QWidget* owner) {
-    gEditForm = new frmEdit(owner);
-    gEditForm->Form_Load();
-    gEditForm->exec();
+    do {
+        gEditForm = new frmEdit(owner);
+        gEditForm->Form_Load();
+        gEditForm->exec();
+    } while (OpenNextByBarcode());
 }

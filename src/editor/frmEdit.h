@@ -5,16 +5,24 @@
 #include <array>
 
 #include "disc/discidentity.h"
+#include "store/shelfrecords.h"
 
+class CoverArtArchive;
+class CoverBox;
+class QAction;
+class QCheckBox;
 class QComboBox;
 class QFrame;
 class QLabel;
+class QLayout;
 class QLineEdit;
+class QMenu;
 class QPlainTextEdit;
 class QPushButton;
 class Recordset;
 class ctlGoldButton;
 class frmTracksListing;
+struct CoverAnswer;
 struct DiscMatch;
 
 // The modal window through which one title is added or changed. gAddingTitle or
@@ -56,6 +64,23 @@ class frmEdit : public QDialog {
     // memo line from the match the user chooses. Enabled on the audio platform once a disc
     // was read.
     void cmdLookup_Click();
+    // Looks the barcode in txtBarcode up in MusicBrainz (asking for one when the box is empty)
+    // and fills the form from the disc the user chooses, as Look up does. Enabled on the audio
+    // platform.
+    void cmdBarcode_Click();
+    // Opens the menu of the cover: from the Cover Art Archive, from a file, remove.
+    void cmdCover_Click();
+    void CoverFromArchive();
+    void CoverFromFile();
+    void CoverRemove();
+    // Takes image bytes as the title's cover, written with the title's save. Tells the user
+    // why when they are no image that can be kept, and keeps the cover there was.
+    bool TakeCoverImage(const QByteArray& bytes, const QString& mbid, const QString& source);
+    // True while a cover is being fetched.
+    bool FetchingCover() const;
+    // The release and barcode, and the cover, as the save will write them.
+    TitleRelease Release() const { return release_; }
+    TitleCover Cover() const { return cover_; }
     void cmdCancel_Click();
     // Validates, writes the title and its tracks or listing, updates the main window's list
     // and closes the window.
@@ -69,6 +94,16 @@ class frmEdit : public QDialog {
     QPushButton* cmdTracks;
     ctlGoldButton* cmdReadDisc;
     ctlGoldButton* cmdLookup;
+    ctlGoldButton* cmdBarcode;
+    QLineEdit* txtBarcode;
+    // Update opens a new editor on the same platform with the barcode box waiting.
+    QCheckBox* chkAddNext;
+    CoverBox* picCover;
+    ctlGoldButton* cmdCover;
+    QMenu* mnuCover;
+    QAction* mnuCoverArchive;
+    QAction* mnuCoverFile;
+    QAction* mnuCoverRemove;
     QPushButton* cmdOK;
     QPushButton* cmdCancel;
     QFrame* Frame1;
@@ -118,6 +153,18 @@ class frmEdit : public QDialog {
     void ChangeUnstoredArtist(bool remove);
     void TakeMatch(const DiscMatch& match);
     void EnableLookup();
+    // The barcode field and the cover column, made with the window; returns the column.
+    QLayout* BuildShelfWidgets();
+    void LoadShelfFields();
+    // Writes the release, the barcode and a changed cover with the title.
+    void WriteShelfFields();
+    // Keeps the release of a match from MusicBrainz and fetches its cover.
+    void TakeRelease(const DiscMatch& match);
+    void FetchCover(bool quiet);
+    void TakeCoverAnswer(const CoverAnswer& answer, bool quiet);
+    void ShowCover();
+    // Fills the form of the next title by barcode from the one just saved.
+    void PrepareNextByBarcode();
     // Closes this window and opens the stored title id in its place.
     void OpenCataloguedTitle(long id);
     void WriteDiscFields(Recordset& record);
@@ -146,6 +193,12 @@ class frmEdit : public QDialog {
     double discCapacity_ = 0;
     double discFreespace_ = 0;
     QString discListing_;
+    TitleRelease release_;
+    TitleCover cover_;
+    bool coverChanged_ = false;
+    // The digits last looked up: Enter in the barcode box looks up new ones, and saves else.
+    QString lookedUpBarcode_;
+    CoverArtArchive* coverArchive_ = nullptr;
     bool unloaded_ = false;
 };
 
@@ -153,5 +206,9 @@ class frmEdit : public QDialog {
 extern frmEdit* gEditForm;
 
 // Opens the title editor modally over owner (the main window), on the road that gAddingTitle
-// and gModifyingTitle name.
+// and gModifyingTitle name. After an Update with "Add next by barcode" checked it opens the
+// next editor at once, until one is left otherwise.
 void ShowEditForm(QWidget* owner);
+// True, making the next editor an adding one, when the editor just closed was saved with
+// "Add next by barcode" checked.
+bool OpenNextByBarcode();

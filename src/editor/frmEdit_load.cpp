@@ -77,6 +77,7 @@ void frmEdit::Form_Load() {
         LoadAddRoad();
     else
         LoadEditRoad();
+    LoadShelfFields();
 
     SetMousePointer(vbArrow);
 }

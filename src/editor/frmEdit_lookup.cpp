@@ -81,4 +81,5 @@ void frmEdit::TakeMatch(const DiscMatch& match) {
     TracksEdited = true;
     const QString source = MatchMemoLine(match);
     if (!Memo->toPlainText().contains(source)) Memo->appendPlainText(source);
+    TakeRelease(match);
 }

@@ -92,6 +92,7 @@ void frmEdit::cmdOK_Click() {
                     else
                         WriteTracks(text);
                 }
+                WriteShelfFields();
             });
         } catch (...) {
             gCurrentTitleId = titleIdBefore;

@@ -9,9 +9,9 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include "disc/barcodelookup.h"
 #include "disc/gnudblookup.h"
 #include "disc/lookupsettings.h"
-#include "disc/musicbrainzlookup.h"
 #include "toolkit/longwork.h"
 
 namespace {
@@ -76,12 +76,13 @@ frmLookup::frmLookup(const OnlineDiscIds& ids, const LookupSettings& settings, Q
     layout->addWidget(txtTracks);
     layout->addLayout(buttons);
 
-    musicBrainz_ = new MusicBrainzLookup(settings.musicBrainzServer, this);
+    musicBrainz_ = new BarcodeLookup(settings.musicBrainzServer, this);
     gnudb_ = new GnudbLookup(settings.gnudbServer, settings.cddbUser, this);
     for (OnlineDatabase* database : std::initializer_list<OnlineDatabase*>{musicBrainz_, gnudb_})
         connect(database, &OnlineDatabase::Progress, lblStatus, &QLabel::setText);
     connect(musicBrainz_, &OnlineDatabase::Finished, this,
             [this](const QList<DiscMatch>& matches, const QString& problem) {
+                if (!barcode_.isEmpty()) return TakeBarcodeAnswer(matches, problem);
                 matches_ << matches;
                 withoutTracks_ = musicBrainz_->ReleasesWithoutTracks();
                 if (!problem.isEmpty()) problems_ << problem;
@@ -102,7 +103,10 @@ frmLookup::~frmLookup() {
 
 frmLookup::Outcome frmLookup::Run() {
     ReportProgress(kOperation, 0, 2);
-    musicBrainz_->Start(ids_);
+    if (barcode_.isEmpty())
+        musicBrainz_->Start(ids_);
+    else
+        musicBrainz_->StartSearch(barcode_);
     exec();
     musicBrainz_->Cancel();
     gnudb_->Cancel();
@@ -131,8 +135,10 @@ void frmLookup::ShowChoice() {
     QTreeWidgetItem* preselected = nullptr;
     for (const DiscMatch& match : matches_) {
         auto* row = new QTreeWidgetItem(
-            lstMatches, {match.artist, match.title, match.year, match.country, match.format,
-                         DiscsText(match), QString::number(match.tracks.size()), match.source});
+            lstMatches,
+            {match.artist, match.title, match.year, match.country, match.format, DiscsText(match),
+             QString::number(match.tracks.isEmpty() ? match.trackCount : match.tracks.size()),
+             match.source});
         if (!preselected && match.discIdMatched) preselected = row;
     }
     lstMatches->show();
@@ -155,6 +161,7 @@ void frmLookup::ShowTracks() {
     if (row < 0) return;
     QStringList lines;
     const QStringList& tracks = matches_[row].tracks;
+    if (tracks.isEmpty() && !barcode_.isEmpty()) lines << "The tracks are asked for on Use.";
     for (int index = 0; index < tracks.size(); ++index)
         lines << QString("%1. %2").arg(index + 1).arg(tracks[index]);
     txtTracks->setPlainText(lines.join('\n'));
@@ -163,6 +170,8 @@ void frmLookup::ShowTracks() {
 void frmLookup::Use() {
     const int row = lstMatches->indexOfTopLevelItem(lstMatches->currentItem());
     if (row < 0) return;
+    if (!barcode_.isEmpty() && matches_[row].tracks.isEmpty())
+        return AskBarcodeTracks(matches_[row]);
     chosen_ = matches_[row];
     outcome_ = Outcome::Chosen;
     accept();

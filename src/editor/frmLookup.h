@@ -7,8 +7,8 @@
 #include "disc/discmatch.h"
 #include "disc/onlinediscids.h"
 
+class BarcodeLookup;
 class GnudbLookup;
-class MusicBrainzLookup;
 class QLabel;
 class QPlainTextEdit;
 class QProgressBar;
@@ -28,6 +28,9 @@ class frmLookup : public QDialog {
     enum class Outcome { Chosen, NoMatch, WithoutTracks, Failed, Cancelled };
 
     frmLookup(const OnlineDiscIds& ids, const LookupSettings& settings, QWidget* parent = nullptr);
+    // The look-up by barcode: MusicBrainz alone, a row for every disc of the releases found,
+    // and on Use the chosen disc's tracks.
+    frmLookup(const QString& barcode, const LookupSettings& settings, QWidget* parent = nullptr);
     ~frmLookup() override;
 
     // Runs the look-up modally.
@@ -57,10 +60,15 @@ class frmLookup : public QDialog {
     void ShowChoice();
     void ShowTracks();
     void Use();
+    void TakeBarcodeAnswer(const QList<DiscMatch>& matches, const QString& problem);
+    void AskBarcodeTracks(const DiscMatch& match);
 
     OnlineDiscIds ids_;
     QString musicBrainzServer_;
-    MusicBrainzLookup* musicBrainz_;
+    // The digits looked up, empty for a look-up of a disc.
+    QString barcode_;
+    bool namingTracks_ = false;
+    BarcodeLookup* musicBrainz_;
     GnudbLookup* gnudb_;
     QList<DiscMatch> matches_;
     QList<DiscMatch> withoutTracks_;

@@ -98,6 +98,9 @@ void frmExport::BuildWindow() {
         Check3[i] = AddCheckBox(FrameTab[2], kFields[i].caption, kFields[i].checked);
         Check3[i]->setProperty("Tag", kFields[i].tag);
     }
+    chkCovers = AddCheckBox(FrameTab[2], "Covers", false);
+    chkCovers->setObjectName("chkCovers");
+    chkCovers->setToolTip("Put each title's cover on the HTML page, in a folder beside it");
 
     FrameTab[3] = AddFrame("Options", "Here you can set various options.",
                            "Select one or more options for exporting");

@@ -50,6 +50,8 @@ class frmExport : public QDialog {
     std::array<QCheckBox*, 5> Check1;
     // The fields: platform, title, by, type, specific, rating, label, memo, nr cd's, tracks.
     std::array<QCheckBox*, 10> Check3;
+    // Each title's cover thumbnail on the HTML page, in a folder beside it.
+    QCheckBox* chkCovers;
     // Overwrite, warn, show summary, open the HTML file afterwards.
     std::array<QCheckBox*, 4> Check2;
     QPushButton* cmdOK;

@@ -3,9 +3,11 @@
 // always was, its missing closing tags included; values go in unescaped.
 
 #include <QCheckBox>
+#include <optional>
 
 #include "export/exportsupport.h"
 #include "export/frmExport.h"
+#include "export/htmlcovers.h"
 #include "store/dao.h"
 #include "toolkit/longwork.h"
 #include "toolkit/mUtility.h"
@@ -151,6 +153,8 @@ void frmExport::ExportToHtml(long& Count) {
                            QString::number(RoundToEven(double(ratingTotal) / double(Count))) +
                            kRatingEnd);
         page.WriteLine(kPlatforms + QString::number(platformCount) + kPlatformsEnd);
+        std::optional<HtmlCoverFolder> covers;
+        if (chkCovers->isChecked()) covers.emplace(name);
 
         for (; !titles.IsEOF(); titles.MoveNext()) {
             ReportProgress("Exporting title", titles.AbsolutePosition() + 1, Count);
@@ -161,6 +165,7 @@ void frmExport::ExportToHtml(long& Count) {
                 lastPlatform = platform;
             }
             page.WriteLine("<tr>");
+            if (covers) page.WriteLine(covers->Cell(titles["idcd"].toLongLong()));
             for (int index = 1; index < int(Check3.size()); ++index)
                 if (Check3[index]->isChecked()) WriteCells(page, titles, index);
             page.WriteLine("</tr>");

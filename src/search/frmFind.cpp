@@ -100,6 +100,10 @@ void frmFind::BuildWindow() {
     cmbMediatype->setCompleter(nullptr);
     cmbMediatype->setProperty(kTagProperty, "nmmediatype");
     addLikeRow(static_cast<int>(Text1.size()), "Mediatype", cmbMediatype);
+    txtBarcode = new QLineEdit(Frame1);
+    txtBarcode->setObjectName("txtBarcode");
+    txtBarcode->installEventFilter(this);
+    addLikeRow(static_cast<int>(Text1.size()) + 1, "Barcode", txtBarcode);
     connect(cmbMediatype, &QComboBox::editTextChanged, this,
             [this] { SavedMediatypeText = cmbMediatype->currentText(); });
     connect(cmbMediatype, &QComboBox::activated, this,
@@ -235,6 +239,9 @@ void frmFind::cmdSearch_Click() {
     }
     if (!cmbMediatype->currentText().isEmpty())
         gViewSQL += " and " + Tag(cmbMediatype) + " like '*" + cmbMediatype->currentText() + "*'";
+    if (!txtBarcode->text().isEmpty())
+        gViewSQL += " and title.idcd in (select idcd from titlerelease where barcode like '*" +
+                    txtBarcode->text() + "*')";
 
     AddRange(0, 1);
     AddRange(2, 3);
@@ -277,7 +284,8 @@ bool frmFind::event(QEvent* event) {
 }
 
 bool frmFind::eventFilter(QObject* watched, QEvent* event) {
-    const bool isTextBox = std::find(Text1.begin(), Text1.end(), watched) != Text1.end();
+    const bool isTextBox =
+        std::find(Text1.begin(), Text1.end(), watched) != Text1.end() || watched == txtBarcode;
     if (isTextBox && event->type() == QEvent::FocusIn) {
         QTimer::singleShot(0, static_cast<QLineEdit*>(watched), &QLineEdit::selectAll);
     } else if (isTextBox && event->type() == QEvent::KeyRelease) {

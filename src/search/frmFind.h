@@ -27,6 +27,8 @@ class frmFind : public QWidget {
     // CD-Title, Vendor, Jewelcase label, Type, Kind, Memo, Listing, Trackname.
     std::array<QLineEdit*, 8> Text1;
     QComboBox* cmbMediatype;
+    // The barcode kept with a title.
+    QLineEdit* txtBarcode;
     // Rating from and to, number of cds from and to.
     std::array<QComboBox*, 4> ComboTwo;
     // Current view, current platform, all platforms.

@@ -16,6 +16,7 @@
 #include "store/fieldsizes.h"
 #include "store/guardedfile.h"
 #include "store/jettextcolumns.h"
+#include "store/shelftables.h"
 #include "toolkit/cVSplitter.h"
 #include "toolkit/imagelists.h"
 #include "toolkit/msgbox.h"
@@ -185,6 +186,7 @@ void frmMain::Form_Load() {
             SetSplashStatus("Updating Database to new structure");
             GiveTextColumnsJetOrder(*gDatabase);
         }
+        MakeShelfTables(*gDatabase);
     } catch (const VbError& error) {
         ReportUnableToLoad(error);
         return;

@@ -151,6 +151,7 @@ class frmMain : public QMainWindow, public MainWindow {
     QAction* mnuSearchCD1;
     QAction* mnuSeperator3;
     QAction* mnuListviewMaintenance;
+    QAction* mnuFetchCovers;
     // The tree's context menu.
     QMenu* mnuTreeviewContext;
     QAction* mnuReadRecordsFromFolder;
@@ -200,6 +201,8 @@ class frmMain : public QMainWindow, public MainWindow {
     void mnuDeleteCD_Click();
     void mnuSearchCD1_Click();
     void mnuListviewMaintenance_Click();
+    // Fetches the missing front covers of the titles in the list.
+    void mnuFetchCovers_Click();
     void mnuReadRecordsFromFolder_Click();
     void mnuAddFolder_Click();
     void mnuRenameFolder_Click();

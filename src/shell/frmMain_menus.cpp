@@ -46,6 +46,10 @@ void frmMain::BuildContextMenus() {
     mnuListviewMaintenance =
         AddMenuItem(list, "mnuListviewMaintenance", "|Maintenance|&Maintenance",
                     &frmMain::mnuListviewMaintenance_Click);
+    mnuFetchCovers = AddMenuItem(
+        list, "mnuFetchCovers",
+        "|Fetch the missing front covers of the titles in the list|&Fetch missing covers",
+        &frmMain::mnuFetchCovers_Click);
 
     mnuTreeviewContext = new QMenu("Invisible Treeview Contextmenu", this);
     mnuTreeviewContext->setObjectName("mnuTreeviewContext");

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "shell/covertooltip.h"
 #include "store/jettext.h"
 #include "toolkit/imagelists.h"
 #include "toolkit/sortbyruns.h"
@@ -41,6 +42,8 @@ const QString& TitleListModel::Text(int row, int column) const {
 QVariant TitleListModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= rowCount()) return {};
     if (role == Qt::DisplayRole) return Text(index.row(), index.column());
+    if (role == Qt::ToolTipRole)
+        return CoverToolTip(rows_[index.row()].tag, rows_[index.row()].text);
     if (role == Qt::DecorationRole && index.column() == 0) {
         const int icon = rows_[index.row()].smallIcon;
         if (icon > 0 && icon < static_cast<int>(icons_.size())) return icons_[icon];

@@ -10,9 +10,13 @@
 #include <QClipboard>
 #include <QGuiApplication>
 
+#include "disc/coverimage.h"
+#include "disc/coverimages.h"
 #include "export/exporttest.h"
 #include "export/frmExport.h"
 #include "jet/jetcheck.h"
+#include "store/shelfrecords.h"
+#include "store/shelftables.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/mUtilityIni.h"
 #include "toolkit/vbruntime.h"
@@ -130,6 +134,46 @@ class WritersTest : public QObject {
         Export(&frmExport::ExportToHtml);
         QCOMPARE(Lines(ReadBytes(rounded).mid(3))[2],
                  QString("average rating: <font color=\"#000000\">66</font></small></small>"));
+    }
+
+    void htmlPageWithCoversBesideIt() {
+        ScriptedDialogs dialogs;
+        const QString plain = folder_->file("plain.html");
+        dialogs.answerFile(plain);
+        Export(&frmExport::ExportToHtml);
+        const QByteArray before = ReadBytes(plain);
+
+        MakeShelfTables(*gDatabase);
+        PreparedCover prepared;
+        QString problem;
+        QVERIFY(PrepareCover(coverimages::Jpeg(200, 300), prepared, problem));
+        WriteCover(1, {prepared.image, prepared.thumbnail, {}, "front.jpg", "2025-01-01"});
+        // Without the box the page is what it was, covers or not.
+        dialogs.answerFile(plain);
+        Export(&frmExport::ExportToHtml);
+        QCOMPARE(ReadBytes(plain), before);
+        QVERIFY(!QFileInfo::exists(folder_->file("plain_covers")));
+
+        const QString page = folder_->file("my page.html");
+        form_->chkCovers->setChecked(true);
+        dialogs.answerFile(page);
+        Export(&frmExport::ExportToHtml);
+        const QStringList lines = Lines(ReadBytes(page).mid(3));
+        const QString empty = "<td align=\"left\" valign=\"top\"></td>";
+        const int homogenic = lines.indexOf("Homogénic");
+        QCOMPARE(lines.mid(homogenic - 3, 2),
+                 QStringList({"<tr>",
+                              "<td align=\"left\" valign=\"top\"><img "
+                              "src=\"my%20page_covers/1.jpg\" width=\"64\" "
+                              "height=\"96\" alt=\"\"></td>"}));
+        QCOMPARE(lines.count(empty), 4);
+        QCOMPARE(ReadBytes(folder_->file("my page_covers/1.jpg")), prepared.thumbnail);
+        QCOMPARE(QDir(folder_->file("my page_covers")).entryList(QDir::Files).size(), 1);
+        // Without the covers' lines the page is the plain one.
+        QStringList withoutCovers = lines;
+        withoutCovers.removeAt(homogenic - 2);
+        withoutCovers.removeAll(empty);
+        QCOMPARE(withoutCovers, Lines(before.mid(3)));
     }
 
     void fileWritersReportWhatCannotBeWritten() {

@@ -11,6 +11,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <QBuffer>
 #include <QRadioButton>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -18,6 +19,7 @@
 #include <cstdio>
 
 #include "editor/frmEdit.h"
+#include "editor/frmFetchCovers.h"
 #include "editor/frmTracksListing.h"
 #include "export/frmExport.h"
 #include "import/frmImport.h"
@@ -31,6 +33,7 @@
 #include "store/guardedfile.h"
 #include "store/jetlike.h"
 #include "store/jettext.h"
+#include "store/shelftables.h"
 #include "support/testsupport.h"
 #include "toolkit/guardeddialog.h"
 #include "toolkit/longwork.h"
@@ -77,6 +80,8 @@ const QList<Operation> kOperations = {
     {"compact", "Compacting", "data.compacted"},
     {"title-save", "", "data.gdb", Steps::CatalogueRows, false},
     {"lookup-changes", "", "data.gdb", Steps::CatalogueRows, false},
+    {"cover-fetch", "Fetching cover", "data.gdb"},
+    {"cover-save", "Saving cover", "data.gdb"},
 };
 
 // The title the editor saves: three tracks that become sixty long ones, under a new name.
@@ -91,6 +96,29 @@ const qint64 kFirstCatalogueTitleId = 0x500000;
 const int kOtherIniDiscs = 40;
 const int kDeluxeTitles = 200;
 const QByteArray kDownloadBody = QByteArray(400 * 1024, 'v') + "end";
+// The titles with a release and no cover, and the images the cover cases store: each stored
+// cover is one of these, whole.
+const int kReleaseTitles = 4;
+QString gCoverServerUrl;
+
+QByteArray EncodedImage(int side, const char* format) {
+    QImage image(side, side, QImage::Format_RGB32);
+    for (int y = 0; y < side; ++y)
+        for (int x = 0; x < side; ++x) image.setPixel(x, y, qRgb(x * 7 ^ y, y * 13 ^ x, x * y));
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, format);
+    return bytes;
+}
+const QByteArray& FetchedCover() {
+    static const QByteArray bytes = EncodedImage(500, "jpeg");
+    return bytes;
+}
+const QByteArray& SavedCover() {
+    static const QByteArray bytes = EncodedImage(1100, "png");
+    return bytes;
+}
 
 void Say(const QString& line) {
     // Written at once and unbuffered: a SIGKILL must not take the last lines with it.
@@ -162,6 +190,22 @@ void RunOperation(const QString& name, const QString& folder, ScriptedDialogs& d
         ModifyType(kLookupRename, 1, type);
         QString vendor = "Various artists";
         ModifyVendor(kLookupDelete, 1, vendor);
+    } else if (name == "cover-fetch") {
+        QList<long> titles;
+        for (int id = 1; id <= kCatalogueTitles; ++id) titles << id;
+        FetchMissingCovers(titles, gMainForm);
+    } else if (name == "cover-save") {
+        gAddingTitle = false;
+        gModifyingTitle = true;
+        gCurrentTitleId = 1;
+        // The base's titles came without dates, which the editor's save needs.
+        gDatabase->Execute("update title set created = '2024-01-01' where idcd = 1");
+        gEditForm = new frmEdit(gMainForm);
+        gEditForm->Form_Load();
+        gEditForm->TakeCoverImage(SavedCover(), QString(), "saved.png");
+        gEditForm->cmdOK_Click();
+        // A failed save leaves the editor open, as it does for the user.
+        if (gEditForm) gEditForm->Unload();
     } else if (name == "download") {
         GuardedDialog<frmDownload> download(gMainForm);
         bool succeeded = false;
@@ -305,6 +349,7 @@ ChildRun Run(const QString& operation, const QString& folder, Cut cut, qint64 st
     environment.insert("TMPDIR", temp.path());
     environment.insert("WINEPREFIX", folder + "/wine");
     environment.insert("VELMORA_FAULT_URL", url);
+    environment.insert("VELMORA_COVERART_SERVER", gCoverServerUrl);
     child.setProcessEnvironment(environment);
     child.setProcessChannelMode(QProcess::MergedChannels);
     QEventLoop loop;
@@ -338,6 +383,27 @@ void CopyFolder(const QString& from, const QString& to) {
     }
 }
 
+// Answers every request with the fetched cover.
+class CoverServer : public QTcpServer {
+  public:
+    CoverServer() {
+        listen(QHostAddress::LocalHost);
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            while (QTcpSocket* socket = nextPendingConnection()) {
+                connect(socket, &QTcpSocket::readyRead, socket, [socket] {
+                    if (!socket->readAll().contains("\r\n\r\n")) return;
+                    socket->write("HTTP/1.1 200 OK\r\nContent-Length: " +
+                                  QByteArray::number(FetchedCover().size()) +
+                                  "\r\nConnection: close\r\n\r\n" + FetchedCover());
+                    socket->disconnectFromHost();
+                });
+                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+            }
+        });
+    }
+    QString url() const { return QString("http://127.0.0.1:%1").arg(serverPort()); }
+};
+
 // What a look into the closed catalogue finds.
 struct CatalogueState {
     QString integrity;
@@ -349,6 +415,8 @@ struct CatalogueState {
     QString typeOne;
     // Name and track count of the title the editor saves.
     QString editedTitle;
+    // Covers that are not one of the images whole, or lack their thumbnail.
+    long brokenCovers = -1;
 };
 
 CatalogueState InspectCatalogue(const QString& folder) {
@@ -363,10 +431,10 @@ CatalogueState InspectCatalogue(const QString& folder) {
         // The indexes and checks are read with the catalogue's own text order and functions.
         jettext::Register(db);
         jetlike::Register(db);
-        auto scalar = [db](const char* sql) {
+        auto scalar = [db](const QByteArray& sql) {
             sqlite3_stmt* statement = nullptr;
             QString value;
-            if (sqlite3_prepare_v2(db, sql, -1, &statement, nullptr) == SQLITE_OK &&
+            if (sqlite3_prepare_v2(db, sql.constData(), -1, &statement, nullptr) == SQLITE_OK &&
                 sqlite3_step(statement) == SQLITE_ROW)
                 value = QString::fromUtf8(
                     reinterpret_cast<const char*>(sqlite3_column_text(statement, 0)));
@@ -390,6 +458,13 @@ CatalogueState InspectCatalogue(const QString& folder) {
                                        .arg(kEditedTitle)
                                        .toUtf8()
                                        .constData());
+        state.brokenCovers =
+            scalar(QString("select count(*) from cover where thumbnail is null or length(image) "
+                           "not in (%1, %2)")
+                       .arg(FetchedCover().size())
+                       .arg(SavedCover().size())
+                       .toUtf8())
+                .toLong();
     }
     sqlite3_close(db);
     QFile::remove(copy);
@@ -435,6 +510,7 @@ class FaultInjectionTest : public QObject {
     QString base;
     long baseTitles = 0;
     DripServer server;
+    CoverServer coverServer;
     int pointsPerKind = qMax(1, qEnvironmentVariableIntValue("VELMORA_FAULT_POINTS"));
     int cuts = 0;
     QString failedCaseKept;
@@ -446,6 +522,7 @@ class FaultInjectionTest : public QObject {
         base = work.path() + "/base";
         TempProgramFolder folder;
         folder.openCatalogue();
+        MakeShelfTables(*gDatabase);
         gDatabase->Execute("begin");
         for (int id = 1; id <= kCatalogueTitles; ++id) {
             gDatabase->Execute(
@@ -462,6 +539,9 @@ class FaultInjectionTest : public QObject {
                         .arg(id)
                         .arg(track));
         }
+        for (int id = 1; id <= kReleaseTitles; ++id)
+            gDatabase->Execute(
+                QString("insert into titlerelease (idcd, mbid) values (%1, 'release-%1')").arg(id));
         gDatabase->Execute("commit");
         baseTitles = RowCount("title");
         folder.closeCatalogue();
@@ -527,6 +607,7 @@ class FaultInjectionTest : public QObject {
         const QStringList leftInTemp =
             QDir(QDir::tempPath()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
         QVERIFY2(leftInTemp.isEmpty(), qPrintable(label + ": " + leftInTemp.join(' ')));
+        QVERIFY2(state.brokenCovers == 0, qPrintable(label));
 
         // Imports: exactly what the summaries said stayed; a cut before the summary keeps whole
         // titles only.
@@ -623,6 +704,7 @@ class FaultInjectionTest : public QObject {
         // that what they leave there can be seen.
         QVERIFY(QDir().mkpath(work.path() + "/temp"));
         qputenv("TMPDIR", QFile::encodeName(work.path() + "/temp"));
+        gCoverServerUrl = coverServer.url();
         MakeBase();
     }
 

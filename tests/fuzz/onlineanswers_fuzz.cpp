@@ -1,8 +1,10 @@
-// Reads any byte string as the online databases' answers: a MusicBrainz JSON answer, a CDDB
-// query answer and an xmcd entry, and clears the matches' text of control characters.
+// Reads any byte string as the online databases' answers: a MusicBrainz JSON answer, the
+// answers of a look-up by barcode, a CDDB query answer and an xmcd entry, and clears the matches'
+// text of control characters.
 #include <cstddef>
 #include <cstdint>
 
+#include "disc/barcodeanswer.h"
 #include "disc/cddbanswer.h"
 #include "disc/musicbrainzanswer.h"
 
@@ -18,5 +20,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     DiscMatch match;
     if (ReadCddbEntry(answer, {"rock", "370fce16", "A / B"}, match, problem))
         ReplaceControlCharacters(match);
+    ReadBarcodeSearchAnswer(answer, matches, problem);
+    DiscMatch release;
+    release.identifier = "f1a2-deluxe";
+    release.discNumber = 2;
+    ReadBarcodeReleaseAnswer(answer, release, problem);
     return 0;
 }

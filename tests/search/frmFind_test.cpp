@@ -147,6 +147,22 @@ class FindTest : public QObject {
         QVERIFY(dialogs.msgBoxes.isEmpty());
     }
 
+    void barcodeBoxFindsTitlesByTheirBarcode() {
+        ScriptedDialogs dialogs;
+        gDatabase->Execute("insert into titlerelease (idcd, barcode) values (3, '036000291452')");
+        gDatabase->Execute("insert into titlerelease (idcd, barcode) values (1, '5012345678900')");
+        frmFind* form = OpenFindWindow();
+        QVERIFY(form);
+        form->Option1[2]->setChecked(true);
+        TypeInto(form->txtBarcode, "0360*145");
+        QTest::keyClick(form->txtBarcode, Qt::Key_Return);
+        QCOMPARE(gSearchSQL, kBase +
+                                 " and title.idcd in (select idcd from titlerelease where barcode "
+                                 "like '*0360*145*')" +
+                                 kDefaultRanges);
+        QCOMPARE(ListedTitles(), QStringList({"Space Quest"}));
+    }
+
     void scopeFollowsTheSelectedNode() {
         ScriptedDialogs dialogs;
         ClickTreeNode("key3key10");

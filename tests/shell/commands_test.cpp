@@ -277,14 +277,16 @@ class CommandsTest : public QObject {
         };
         SelectListRow(1);
         RightClick(form()->ListView1, ListRowPoint(0));
-        QCOMPARE(enabled, QStringList({"mnuViewProperties", "mnuNewCD", "mnuRenameCD",
-                                       "mnuDeleteCD", "mnuSearchCD1", "mnuListviewMaintenance"}));
+        QCOMPARE(enabled,
+                 QStringList({"mnuViewProperties", "mnuNewCD", "mnuRenameCD", "mnuDeleteCD",
+                              "mnuSearchCD1", "mnuListviewMaintenance", "mnuFetchCovers"}));
 
         enabled.clear();
         SelectListRow(1);
         QVERIFY(!form()->ListView1->indexAt(EmptySpot(form()->ListView1)).isValid());
         RightClick(form()->ListView1, EmptySpot(form()->ListView1));
-        QCOMPARE(enabled, QStringList({"mnuNewCD", "mnuSearchCD1", "mnuListviewMaintenance"}));
+        QCOMPARE(enabled, QStringList({"mnuNewCD", "mnuSearchCD1", "mnuListviewMaintenance",
+                                       "mnuFetchCovers"}));
         QCOMPARE(form()->SelectedListIndex(), -1);
         form()->PopupMenuHook = {};
 

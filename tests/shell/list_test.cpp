@@ -1,12 +1,18 @@
 // The title list: its items, counting and sorting.
 
 #include <QHeaderView>
+#include <QTextDocument>
+#include <QToolTip>
+
+#include "disc/coverimage.h"
+#include "disc/coverimages.h"
 
 #include "shell/listtree_support.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
 #include "shell/titlelistmodel.h"
 #include "store/dao.h"
+#include "store/shelfrecords.h"
 
 using namespace listtree;
 
@@ -124,6 +130,38 @@ class ListTest : public QObject {
         form->AddListItem("id999", "new", 1, {"Aardvark", "Pop", "Album", "1", "CD-ROM"}, "999");
         QCOMPARE(ColumnTexts(1).last(), QString("Aardvark"));
         QCOMPARE(form->ListIndexOfKey("id999"), 3);
+    }
+
+    void hoverShowsTheCoverThumbnail() {
+        const long covered = AddTitle("Covered", 1, 1, 1, 1, 1, 1);
+        AddTitle("Plain", 1, 1, 1, 1, 1, 1);
+        PreparedCover prepared;
+        QString problem;
+        QVERIFY(PrepareCover(coverimages::Jpeg(300, 200), prepared, problem));
+        WriteCover(covered, {prepared.image, prepared.thumbnail, {}, "front.jpg", "2025-01-01"});
+        ForceSelectNode(1);
+        QCOMPARE(ColumnTexts(0), QStringList({"Covered", "Plain"}));
+
+        // Hovering the first row, as the mouse does.
+        QTreeView* list = gMainForm->ListView1;
+        const QPoint at = list->visualRect(gMainForm->ListModel()->index(0, 1)).center();
+        QHelpEvent hover(QEvent::ToolTip, at, list->viewport()->mapToGlobal(at));
+        QApplication::sendEvent(list->viewport(), &hover);
+        QVERIFY(QToolTip::isVisible());
+        const QString tip = QToolTip::text();
+        QVERIFY2(tip.contains("Covered"), qPrintable(tip));
+        // The thumbnail is in the tooltip itself, as the tooltip's rich text shows it.
+        QTextDocument document;
+        document.setHtml(tip);
+        const QString source = tip.section("src=\"", 1).section('"', 0, 0);
+        const QPixmap shown =
+            qvariant_cast<QPixmap>(document.resource(QTextDocument::ImageResource, QUrl(source)));
+        QCOMPARE(shown.size(), QSize(96, 64));
+        // A title without a cover has no tooltip, as before.
+        QVERIFY(gMainForm->ListModel()
+                    ->data(gMainForm->ListModel()->index(1, 0), Qt::ToolTipRole)
+                    .toString()
+                    .isEmpty());
     }
 
   private:
