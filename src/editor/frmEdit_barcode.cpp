@@ -64,6 +64,8 @@ void frmEdit::cmdBarcode_Click() {
             TakeMatch(lookup.Chosen());
             txtTitle->setFocus();
             break;
+        // Only a disc ID can meet a release without a track list; a barcode search lists it.
+        case frmLookup::Outcome::WithoutTracks:
         case frmLookup::Outcome::NoMatch:
             MsgBox("MusicBrainz knows no release with the barcode " + digits + ".", vbInformation,
                    kBarcodeTitle);
