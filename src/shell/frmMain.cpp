@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <QScreen>
 
+#include "loans/loanstore.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
@@ -185,6 +186,10 @@ void frmMain::Form_Load() {
             SetSplashStatus("Updating Database to new structure");
             GiveTextColumnsJetOrder(*gDatabase);
         }
+        if (loans::TablesMissing(*gDatabase)) {
+            SetSplashStatus("Updating Database to new structure");
+            loans::MakeTables(*gDatabase);
+        }
     } catch (const VbError& error) {
         ReportUnableToLoad(error);
         return;
@@ -219,6 +224,7 @@ void frmMain::Form_Load() {
 
     TV1->setRootIsDecorated(true);
     SelectFirstNode();
+    ShowLoanCount();
 
     loading_ = false;
     show();

@@ -261,8 +261,9 @@ class CommandsTest : public QObject {
         };
         SelectListRow(1);
         RightClick(form()->ListView1, ListRowPoint(0));
-        QCOMPARE(enabled, QStringList({"mnuViewProperties", "mnuNewCD", "mnuRenameCD",
-                                       "mnuDeleteCD", "mnuSearchCD1", "mnuListviewMaintenance"}));
+        QCOMPARE(enabled,
+                 QStringList({"mnuViewProperties", "mnuNewCD", "mnuRenameCD", "mnuDeleteCD",
+                              "mnuLendCD", "mnuSearchCD1", "mnuListviewMaintenance"}));
 
         enabled.clear();
         SelectListRow(1);
