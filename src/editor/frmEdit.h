@@ -13,6 +13,7 @@ class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
 class Recordset;
+class LoanHistoryPanel;
 class ctlGoldButton;
 class frmTracksListing;
 struct DiscMatch;
@@ -66,6 +67,8 @@ class frmEdit : public QDialog {
     QPlainTextEdit* Memo;
     QLabel* lblCreated;
     QLabel* lblModified;
+    // The title's loans, with Lend... and Returned.
+    LoanHistoryPanel* fraLoans;
     QPushButton* cmdTracks;
     ctlGoldButton* cmdReadDisc;
     ctlGoldButton* cmdLookup;

@@ -196,7 +196,7 @@ class frmMain : public QMainWindow, public MainWindow {
     QTreeWidgetItem* NodeOfKey(const QString& key) const;
     // After lending or taking back: the count in the status bar, the "Lent out" folder shown
     // while any title is out, and its list read again when it is the one shown.
-    void LoansChanged();
+    void LoansChanged() override;
     // "3 discs lent out, 1 overdue" in the first panel, or nothing while no title is out.
     void ShowLoanCount();
     // Hides platform id (name is shown in the question) and removes the selected node.

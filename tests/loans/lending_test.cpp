@@ -5,11 +5,18 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
+#include <QToolButton>
+#include <QTreeWidget>
 
+#include "editor/frmEdit.h"
+#include "loans/borrowerspanel.h"
 #include "loans/frmLend.h"
 #include "loans/lentoutfolder.h"
+#include "loans/loanhistorypanel.h"
 #include "loans/loanstore.h"
+#include "lookups/frmDatabase.h"
 #include "shell/frmMain.h"
 #include "shell/listtree_support.h"
 #include "shell/mGlobalFunctions.h"
@@ -266,6 +273,106 @@ class LendingTest : public QObject {
         form()->mnuDeleteCD->trigger();
         QCOMPARE(RowCount("loan"), 1L);
         QCOMPARE(RowCount("title"), 3L);
+    }
+
+    void editorShowsTheHistoryAndLendsAndTakesBack() {
+        const QDate today = QDate::currentDate();
+        const long alpha = form()->ListItemTag(0).toLong();
+        loans::LendTitles(*gDatabase, {alpha}, {"Anna", today.addDays(-9), today, "first"});
+        loans::ReturnTitles(*gDatabase, {alpha}, today.addDays(-2));
+
+        gAddingTitle = false;
+        gModifyingTitle = true;
+        gCurrentTitleId = alpha;
+        auto* editor = new frmEdit(gMainForm);
+        editor->Form_Load();
+        editor->show();
+        LoanHistoryPanel* panel = editor->fraLoans;
+        QCOMPARE(panel->lstLoans->topLevelItemCount(), 1);
+        QVERIFY(panel->cmdLend->isEnabled() && !panel->cmdReturned->isEnabled());
+
+        OnLendWindow([](frmLend* window) {
+            QCOMPARE(window->lblTitles->text(), QString("Alpha"));
+            window->cboBorrower->setEditText("Bert");
+            window->chkDue->setChecked(false);
+            QTest::mouseClick(window->cmdOK, Qt::LeftButton);
+        });
+        QTest::mouseClick(panel->cmdLend, Qt::LeftButton);
+        QCOMPARE(panel->lstLoans->topLevelItemCount(), 2);
+        const QTreeWidgetItem* newest = panel->lstLoans->topLevelItem(0);
+        QCOMPARE(QStringList({newest->text(0), newest->text(1), newest->text(2), newest->text(3)}),
+                 QStringList({"Bert", loans::DateText(today), "", ""}));
+        const QTreeWidgetItem* oldest = panel->lstLoans->topLevelItem(1);
+        QCOMPARE(QStringList({oldest->text(0), oldest->text(2), oldest->text(3), oldest->text(4)}),
+                 QStringList({"Anna", loans::DateText(today), loans::DateText(today.addDays(-2)),
+                              "first"}));
+        QVERIFY(!panel->cmdLend->isEnabled() && panel->cmdReturned->isEnabled());
+        // The main window follows at once: the folder and the count.
+        QVERIFY(NodeWithKey(loans::kLentOutKey));
+        QCOMPARE(form()->PanelText(1), QString("1 disc lent out"));
+        // A default period of none is kept for the next loan.
+        QCOMPARE(DefaultLoanDays(), 0);
+
+        dialogs_->answerInput(loans::DateText(today));
+        QTest::mouseClick(panel->cmdReturned, Qt::LeftButton);
+        QCOMPARE(panel->lstLoans->topLevelItem(0)->text(3), loans::DateText(today));
+        QVERIFY(panel->cmdLend->isEnabled());
+        QVERIFY(!NodeWithKey(loans::kLentOutKey));
+        editor->Unload();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+
+        // A title not yet stored cannot be lent.
+        gAddingTitle = true;
+        gModifyingTitle = false;
+        editor = new frmEdit(gMainForm);
+        editor->Form_Load();
+        QVERIFY(!editor->fraLoans->cmdLend->isEnabled());
+        QCOMPARE(editor->fraLoans->lstLoans->topLevelItemCount(), 0);
+        editor->Unload();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    void maintenanceWindowKeepsTheBorrowers() {
+        loans::LendTitles(*gDatabase, {form()->ListItemTag(0).toLong()},
+                          {"Anna", QDate::currentDate(), {}, {}});
+        auto* window = new frmDatabase(gMainForm);
+        window->Form_Load();
+        window->show();
+        BorrowersPanel* panel = window->fraBorrowers;
+        QCOMPARE(panel->lstBorrower->count(), 1);
+
+        dialogs_->answerInput("Zoe");
+        QTest::mouseClick(panel->pictures[0], Qt::LeftButton);
+        QCOMPARE(panel->lstBorrower->currentItem()->text(), QString("Zoe"));
+        QCOMPARE(dialogs_->inputs.last().title, QString("Add borrower"));
+
+        // F2 renames; a name the list holds in another case is refused by the catalogue.
+        dialogs_->answerInput("ANNA");
+        QTest::keyClick(panel->lstBorrower, Qt::Key_F2);
+        QCOMPARE(dialogs_->msgBoxes.last().flags, int(vbCritical));
+        dialogs_->answerInput("Zoë");
+        QTest::keyClick(panel->lstBorrower, Qt::Key_F2);
+        QCOMPARE(panel->lstBorrower->currentItem()->text(), QString("Zoë"));
+
+        // Anna has a loan and stays, with the reason; Zoë has none and goes.
+        panel->lstBorrower->setCurrentRow(0);
+        QCOMPARE(panel->lstBorrower->currentItem()->text(), QString("Anna"));
+        dialogs_->answerMsgBox(vbYes);
+        dialogs_->answerMsgBox(vbOK);
+        QTest::keyClick(panel->lstBorrower, Qt::Key_Delete, Qt::ControlModifier);
+        QCOMPARE(dialogs_->msgBoxes.last().title, QString("Unable to delete borrower"));
+        QCOMPARE(RowCount("borrower"), 2L);
+        panel->lstBorrower->setCurrentRow(1);
+        dialogs_->answerMsgBox(vbYes);
+        QTest::mouseClick(panel->pictures[2], Qt::LeftButton);
+        QCOMPARE(RowCount("borrower"), 1L);
+        QCOMPARE(panel->lstBorrower->count(), 1);
+        QVERIFY(panel->Changed());
+
+        gListDirty = false;
+        gTreeDirty = false;
+        window->Unload();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
   private:
