@@ -1,5 +1,6 @@
 #include "search/frmFind.h"
 
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -8,6 +9,8 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "loans/lentoutfolder.h"
+#include "loans/loansearch.h"
 #include "lookups/viewqueries.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
@@ -103,6 +106,16 @@ void frmFind::BuildWindow() {
     connect(cmbMediatype, &QComboBox::activated, this,
             [this] { SavedMediatypeText = cmbMediatype->currentText(); });
 
+    txtLentTo = new QLineEdit(Frame1);
+    txtLentTo->setObjectName("txtLentTo");
+    txtLentTo->setToolTip("Titles out now to this borrower; use * and ? as wildcards");
+    connect(txtLentTo, &QLineEdit::returnPressed, this, &frmFind::cmdSearch_Click);
+    addLikeRow(grid->rowCount(), "Lent to", txtLentTo);
+    chkOverdue = new QCheckBox("Overdue", Frame1);
+    chkOverdue->setObjectName("chkOverdue");
+    chkOverdue->setToolTip("Titles out beyond their due date");
+    grid->addWidget(chkOverdue, grid->rowCount(), 2, 1, 2);
+
     int row = grid->rowCount();
     grid->addWidget(new QLabel("from                            to", Frame1), row++, 2, 1, 2);
     const std::array<const char*, 2> rangeLabels{"Rating", "Number cd's"};
@@ -189,7 +202,9 @@ void frmFind::cmdSearch_Click() {
     const QString parentKey = ParentFolderKey(key);
     const QString grandparentKey = ParentFolderKey(parentKey);
 
-    if (Option1[0]->isChecked()) {
+    if (key == loans::kLentOutKey && !Option1[2]->isChecked()) {
+        gViewSQL += loans::LentOutClause();
+    } else if (Option1[0]->isChecked()) {
         if (key == "root") {
         } else if (parentKey != "root" && grandparentKey == "root") {
             gViewSQL = kPlatformStatement + parentKey.mid(3) +
@@ -233,6 +248,9 @@ void frmFind::cmdSearch_Click() {
     }
     if (!cmbMediatype->currentText().isEmpty())
         gViewSQL += " and " + Tag(cmbMediatype) + " like '*" + cmbMediatype->currentText() + "*'";
+
+    if (!txtLentTo->text().isEmpty()) gViewSQL += loans::LentToClause(txtLentTo->text());
+    if (chkOverdue->isChecked()) gViewSQL += loans::OverdueClause(QDate::currentDate());
 
     AddRange(0, 1);
     AddRange(2, 3);

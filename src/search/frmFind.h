@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLineEdit>
@@ -27,6 +28,9 @@ class frmFind : public QWidget {
     // CD-Title, Vendor, Jewelcase label, Type, Kind, Memo, Listing, Trackname.
     std::array<QLineEdit*, 8> Text1;
     QComboBox* cmbMediatype;
+    // Loans: titles out now to a borrower like the text, and titles out beyond their due date.
+    QLineEdit* txtLentTo;
+    QCheckBox* chkOverdue;
     // Rating from and to, number of cds from and to.
     std::array<QComboBox*, 4> ComboTwo;
     // Current view, current platform, all platforms.

@@ -17,6 +17,7 @@
 #include "loans/loanhistorypanel.h"
 #include "loans/loanstore.h"
 #include "lookups/frmDatabase.h"
+#include "search/frmFind.h"
 #include "shell/frmMain.h"
 #include "shell/listtree_support.h"
 #include "shell/mGlobalFunctions.h"
@@ -373,6 +374,47 @@ class LendingTest : public QObject {
         gTreeDirty = false;
         window->Unload();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    void searchFindsTitlesByBorrowerAndOverdue() {
+        const QDate today = QDate::currentDate();
+        auto id = [](int row) { return form()->ListItemTag(row).toLong(); };
+        loans::LendTitles(*gDatabase, {id(0)},
+                          {"Anna O'Hara", today.addDays(-5), today.addDays(-1), {}});
+        loans::LendTitles(*gDatabase, {id(1)}, {"Annabel", today, today.addDays(5), {}});
+        loans::LendTitles(*gDatabase, {id(2)}, {"Bert", today.addDays(-9), today.addDays(-3), {}});
+        // Returned loans are history, not "lent to".
+        loans::ReturnTitles(*gDatabase, {id(2)}, today);
+        loans::LendTitles(*gDatabase, {id(2)}, {"Carl", today, {}, {}});
+        form()->LoansChanged();
+
+        ShowFindWindow(gMainForm);
+        QVERIFY(gFindForm);
+        auto found = [] {
+            gFindForm->cmdSearch_Click();
+            QStringList names;
+            for (int row = 0; row < form()->ListItemCount(); ++row)
+                names << form()->ListItemText(row);
+            return names;
+        };
+        gFindForm->Option1[2]->setChecked(true);
+        gFindForm->txtLentTo->setText("ann");
+        QCOMPARE(found(), QStringList({"Alpha", "Bravo"}));
+        gFindForm->txtLentTo->setText("O'H");
+        QCOMPARE(found(), QStringList({"Alpha"}));
+        gFindForm->txtLentTo->setText("bert");
+        QCOMPARE(found(), QStringList());
+        gFindForm->txtLentTo->clear();
+        gFindForm->chkOverdue->setChecked(true);
+        QCOMPARE(found(), QStringList({"Alpha"}));
+
+        // From the "Lent out" folder the current view is the titles out.
+        gFindForm->chkOverdue->setChecked(false);
+        listtree::ClickNode(NodeWithKey(loans::kLentOutKey));
+        gFindForm->Option1[0]->setChecked(true);
+        gFindForm->Text1[0]->setText("a");
+        QCOMPARE(found(), QStringList({"Alpha", "Bravo", "Charlie"}));
+        gFindForm->close();
     }
 
   private:
