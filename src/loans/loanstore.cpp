@@ -1,7 +1,10 @@
 #include "loans/loanstore.h"
 
+#include <algorithm>
+
 #include "store/dao.h"
 #include "store/jettext.h"
+#include "toolkit/longwork.h"
 #include "toolkit/vbruntime.h"
 
 namespace loans {
@@ -68,6 +71,9 @@ void InOneTransaction(Database& database, Work&& work) {
 
 // Ids in runs that one statement takes: SQLite limits the terms of a statement.
 constexpr qsizetype kIdsPerStatement = 500;
+// Lending reports its progress in steps of this many titles.
+constexpr qsizetype kIdsPerStep = 50;
+const QString kLendingProgress = "Lending title";
 
 }  // namespace
 
@@ -113,12 +119,15 @@ void LendTitles(Database& database, const QList<long>& titles, const LoanRequest
         const QString values = QString::number(borrower) + ", " + Quoted(DateText(request.lent)) +
                                ", " + QuotedOrNull(DateText(request.due)) + ", " +
                                QuotedOrNull(request.note);
-        for (qsizetype first = 0; first < titles.size(); first += kIdsPerStatement) {
+        for (qsizetype first = 0; first < titles.size(); first += kIdsPerStep) {
             database.Execute("INSERT INTO loan (idcd, idborrower, lent, due, note) SELECT idcd, " +
                              values + " FROM title WHERE idcd IN " +
-                             IdList(titles.mid(first, kIdsPerStatement)));
+                             IdList(titles.mid(first, kIdsPerStep)));
+            ReportProgress(kLendingProgress, std::min(first + kIdsPerStep, titles.size()),
+                           titles.size());
         }
     });
+    EndProgress(kLendingProgress);
 }
 
 void ReturnTitles(Database& database, const QList<long>& titles, const QDate& returned) {
