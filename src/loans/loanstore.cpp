@@ -169,6 +169,21 @@ std::vector<LoanEntry> LoanHistory(Database& database, long idcd) {
     return entries;
 }
 
+QHash<long, QString> LentToLines(Database& database) {
+    QHash<long, QString> lines;
+    auto records = database.OpenRecordset(
+        "select loan.idcd, borrower.nmborrower, loan.due from loan, borrower where "
+        "loan.idborrower = borrower.idborrower and loan.returned is null",
+        dbOpenSnapshot);
+    for (; !records->IsEOF(); records->MoveNext()) {
+        const QString due = DateText(TextDate(NzText(records->Fields(2).Value())));
+        lines.insert(static_cast<long>(records->Fields(0).Value().toLongLong()),
+                     "lent to " + NzText(records->Fields(1).Value()) +
+                         (due.isEmpty() ? QString() : " until " + due));
+    }
+    return lines;
+}
+
 QStringList BorrowerNames(Database& database) {
     QStringList names;
     auto records = database.OpenRecordset("select nmborrower from borrower order by nmborrower",

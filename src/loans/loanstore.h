@@ -10,6 +10,7 @@
 // they compare and sort as text.
 
 #include <QDate>
+#include <QHash>
 #include <QList>
 #include <QString>
 #include <vector>
@@ -60,6 +61,10 @@ struct LoanEntry {
 };
 // The loans of a title, newest first.
 std::vector<LoanEntry> LoanHistory(Database& database, long idcd);
+
+// "lent to Anna until 2026-05-31" (or "lent to Anna" without a due date) for every title
+// that is out, by idcd.
+QHash<long, QString> LentToLines(Database& database);
 
 // The borrowers' names in the catalogue's text order.
 QStringList BorrowerNames(Database& database);
