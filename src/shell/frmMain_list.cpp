@@ -190,6 +190,7 @@ void frmMain::ListView1_ColumnClick(int column) {
     }
     const QScopedValueRollback programSelection(selectingListItem_, true);
     listModel_->SetSorting(sorted, sortKey, order);
+    ListView1->header()->setSortIndicatorShown(true);
     ListView1->header()->setSortIndicator(sortKey, order);
 }
 

@@ -131,6 +131,7 @@ void FillList(frmMain* form) {
             AutosizeColumn(form->ListView1, column, true);
     }
     model->SetSorted(lentOut ? false : sorted);
+    form->ListView1->header()->setSortIndicatorShown(model->Sorted());
     if (hasItems) form->SelectListIndex(0);
     form->ListView1->setUpdatesEnabled(true);
     form->SetMousePointer(vbArrow);
