@@ -274,6 +274,7 @@ class LendingTest : public QObject {
         form()->mnuDeleteCD->trigger();
         QCOMPARE(RowCount("loan"), 1L);
         QCOMPARE(RowCount("title"), 3L);
+        QCOMPARE(form()->PanelText(1), QString("1 disc lent out"));
     }
 
     void editorShowsTheHistoryAndLendsAndTakesBack() {
