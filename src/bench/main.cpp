@@ -19,6 +19,7 @@
 #include "bench/discscenarios.h"
 #include "bench/exportscenarios.h"
 #include "bench/importscenarios.h"
+#include "bench/loanscenarios.h"
 #include "bench/lookupscenarios.h"
 #include "bench/searchscenarios.h"
 #include "bench/syntheticcatalogue.h"
@@ -186,6 +187,21 @@ const std::vector<std::pair<QString, Scenario>>& Scenarios() {
         {"search-track-32767",
          [](Catalogues& c, int runs) {
              Report("Search by track name 32767 titles", TimeTrackSearch(c.FolderFor(32767), runs));
+         }},
+        {"lentout-2000-of-32767",
+         [](Catalogues& c, int runs) {
+             Report("\"Lent out\" folder, 2000 open loans among 32767 titles",
+                    TimeLentOutFolder(c.FolderFor(32767), runs));
+         }},
+        {"loancount-2000-of-32767",
+         [](Catalogues& c, int runs) {
+             Report("Start-up loan count, 2000 open loans among 32767 titles",
+                    TimeLoanCount(c.FolderFor(32767), runs));
+         }},
+        {"lend-500-of-32767",
+         [](Catalogues& c, int runs) {
+             Report("Lending 500 selected titles at once among 32767 titles",
+                    TimeLendingSelected(c.FolderFor(32767), runs));
          }},
         {"import-tab-10000",
          [](Catalogues&, int runs) {

@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 
 #include "editor/frmTracksListing.h"
+#include "loans/loanhistorypanel.h"
 #include "lookups/lookupoperations.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
@@ -277,6 +278,11 @@ void frmEdit::BuildWindow() {
     layout->addLayout(listsAndCover);
     layout->addWidget(caption("Memo", "A note regarding your cd-title"));
     layout->addWidget(Memo);
+    fraLoans = new LoanHistoryPanel(this);
+    connect(fraLoans, &LoanHistoryPanel::LoansChanged, this, [] {
+        if (MainWindow* main = TheMainWindow()) main->LoansChanged();
+    });
+    layout->addWidget(fraLoans);
     layout->addLayout(dates);
     layout->addLayout(buttons);
 }

@@ -20,6 +20,7 @@ class QMenu;
 class QPlainTextEdit;
 class QPushButton;
 class Recordset;
+class LoanHistoryPanel;
 class ctlGoldButton;
 class frmTracksListing;
 struct CoverAnswer;
@@ -91,6 +92,8 @@ class frmEdit : public QDialog {
     QPlainTextEdit* Memo;
     QLabel* lblCreated;
     QLabel* lblModified;
+    // The title's loans, with Lend... and Returned.
+    LoanHistoryPanel* fraLoans;
     QPushButton* cmdTracks;
     ctlGoldButton* cmdReadDisc;
     ctlGoldButton* cmdLookup;

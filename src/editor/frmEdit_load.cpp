@@ -8,6 +8,7 @@
 #include <QPushButton>
 
 #include "editor/frmEdit.h"
+#include "loans/loanhistorypanel.h"
 #include "shell/mGlobals.h"
 #include "shell/mainwindow.h"
 #include "store/catalogue.h"
@@ -85,6 +86,7 @@ void frmEdit::Form_Load() {
 void frmEdit::LoadAddRoad() {
     setWindowTitle("Add Title");
     cmdOK->setText("&Add");
+    fraLoans->Load(0, QString());
 
     const QString key = SelectedFolderKey();
     if (key.isEmpty() || key == "root") return;
@@ -133,4 +135,5 @@ void frmEdit::LoadEditRoad() {
     lblCreated->setText(StoredDateText(record->Fields("created").Value()));
     lblModified->setText(StoredDateText(record->Fields("modified").Value()));
     Memo->setPlainText(StoredText(record->Fields("memo").Value()).replace(vbCrLf, "\n"));
+    fraLoans->Load(gCurrentTitleId, txtTitle->text());
 }

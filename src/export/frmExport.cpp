@@ -91,6 +91,9 @@ void frmExport::BuildWindow() {
     for (int i = 0; i < 5; ++i) Check1[i] = AddCheckBox(FrameTab[1], destinations[i], i == 0);
     Check1[3]->setEnabled(false);
     Check1[4]->setEnabled(false);
+    chkCalendar =
+        AddCheckBox(FrameTab[1], "Calendar of the due dates of lent titles (.ics)", false);
+    chkCalendar->setObjectName("chkCalendar");
 
     FrameTab[2] = AddFrame("Fields", "What kind of information do you want to export?",
                            "Mark all that apply");
@@ -101,6 +104,8 @@ void frmExport::BuildWindow() {
     chkCovers = AddCheckBox(FrameTab[2], "Covers", false);
     chkCovers->setObjectName("chkCovers");
     chkCovers->setToolTip("Put each title's cover on the HTML page, in a folder beside it");
+    chkLentTo = AddCheckBox(FrameTab[2], "Lent to ... until ... (HTML-file)", false);
+    chkLentTo->setObjectName("chkLentTo");
 
     FrameTab[3] = AddFrame("Options", "Here you can set various options.",
                            "Select one or more options for exporting");
@@ -227,6 +232,7 @@ void frmExport::cmdOK_Click() {
     ExportFailed = true;
     for (const QCheckBox* destination : Check1)
         if (destination->isEnabled() && destination->isChecked()) ExportFailed = false;
+    if (chkCalendar->isChecked()) ExportFailed = false;
     if (ExportFailed) {
         MsgBox("Please select where you want to want to export your cd-titles to.", vbCritical,
                "No destination given for export");
@@ -261,6 +267,7 @@ void frmExport::cmdOK_Click() {
         if (Check1[i]->isEnabled() && Check1[i]->isChecked())
             RunDestination(DestinationWriter(i), count < 1,
                            "Exporting titles to " + Check1[i]->text(), count);
+    if (chkCalendar->isChecked()) ExportLoanCalendar();
 
     if (!ExportFailed) accept();
 }

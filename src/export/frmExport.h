@@ -54,6 +54,10 @@ class frmExport : public QDialog {
     QCheckBox* chkCovers;
     // Overwrite, warn, show summary, open the HTML file afterwards.
     std::array<QCheckBox*, 4> Check2;
+    // The loan register: "lent to ... until ..." under each title out on the HTML page, and a
+    // calendar of the due dates as a destination of its own.
+    QCheckBox* chkLentTo;
+    QCheckBox* chkCalendar;
     QPushButton* cmdOK;
     QPushButton* cmdCancel;
 
@@ -93,6 +97,8 @@ class frmExport : public QDialog {
     // The file chooser of the HTML and TAB writers; empty when the user cancelled.
     QString AskSaveFileName(const QString& title, const QString& defaultExt, const QString& filter);
     void ShowFileSummary(const QString& caption, long count);
+    // Writes the open loans of the titles to export, with a due date, as an iCalendar file.
+    void ExportLoanCalendar();
 
     QStackedLayout* frames_;
     int mousePointer_ = 1;

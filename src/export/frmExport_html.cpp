@@ -8,6 +8,8 @@
 #include "export/exportsupport.h"
 #include "export/frmExport.h"
 #include "export/htmlcovers.h"
+#include "loans/loanstore.h"
+#include "store/catalogue.h"
 #include "store/dao.h"
 #include "toolkit/longwork.h"
 #include "toolkit/mUtility.h"
@@ -156,6 +158,12 @@ void frmExport::ExportToHtml(long& Count) {
         std::optional<HtmlCoverFolder> covers;
         if (chkCovers->isChecked()) covers.emplace(name);
 
+        const QHash<long, QString> lentTo =
+            chkLentTo->isChecked() ? loans::LentToLines(*gDatabase) : QHash<long, QString>();
+        int cells = 0;
+        for (int index = 1; index < int(Check3.size()); ++index)
+            cells += Check3[index]->isChecked();
+
         for (; !titles.IsEOF(); titles.MoveNext()) {
             ReportProgress("Exporting title", titles.AbsolutePosition() + 1, Count);
             const QString platform = NzText(titles["nmplatform"]);
@@ -169,6 +177,10 @@ void frmExport::ExportToHtml(long& Count) {
             for (int index = 1; index < int(Check3.size()); ++index)
                 if (Check3[index]->isChecked()) WriteCells(page, titles, index);
             page.WriteLine("</tr>");
+            const QString lent = lentTo.value(static_cast<long>(titles["idcd"].toLongLong()));
+            if (!lent.isEmpty())
+                page.WriteLine("<tr><td colspan=\"" + QString::number(qMax(cells, 1)) +
+                               "\"><small><i>" + lent.toHtmlEscaped() + "</i></small></td></tr>");
         }
         page.WriteLine(kPlatformClose);
         page.Close();

@@ -11,6 +11,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "loans/borrowerspanel.h"
 #include "lookups/lookupoperations.h"
 #include "shell/mGlobals.h"
 #include "shell/mainwindow.h"
@@ -238,6 +239,9 @@ void frmDatabase::BuildWindow() {
         column->addWidget(control, qobject_cast<QListWidget*>(control) ? 1 : 0);
         if (list == Platform) column->addWidget(chkVisiblePlatform);
     }
+    fraBorrowers = new BorrowersPanel(this);
+    right->addSpacing(8);
+    right->addWidget(fraBorrowers, 1);
     auto* columns = new QHBoxLayout;
     columns->setSpacing(16);
     columns->addLayout(left);
@@ -374,6 +378,7 @@ void frmDatabase::Form_Load() {
     ResumeNext([this] { FillMediatypes(); });
     SelectFromTreeNode();
     if (RowCount(cmbMediatype) > 0) ResumeNext([this] { SelectRow(Mediatype, 0); });
+    fraBorrowers->Fill();
 }
 
 // Statements of Form_Load: a selection that fails does not keep the next one from running.

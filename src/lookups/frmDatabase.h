@@ -5,6 +5,7 @@
 #include <QString>
 #include <memory>
 
+class BorrowersPanel;
 class QCheckBox;
 class QComboBox;
 class QLabel;
@@ -38,6 +39,8 @@ class frmDatabase : public QDialog {
     QListWidget* lstVendor;
     QComboBox* cmbMediatype;
     QLabel* lblHint;
+    // The borrowers of the loan register, with the same gestures as the lists above.
+    BorrowersPanel* fraBorrowers;
     QPushButton* cmdDone;
     // The picture buttons, three per list: [list][0 add, 1 rename, 2 delete].
     QToolButton* PictureButton(LookupList list, int action) const;

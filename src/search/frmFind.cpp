@@ -1,5 +1,6 @@
 #include "search/frmFind.h"
 
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -10,6 +11,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "loans/lentoutfolder.h"
+#include "loans/loansearch.h"
 #include "lookups/viewqueries.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
@@ -109,6 +112,16 @@ void frmFind::BuildWindow() {
     connect(cmbMediatype, &QComboBox::activated, this,
             [this] { SavedMediatypeText = cmbMediatype->currentText(); });
 
+    txtLentTo = new QLineEdit(Frame1);
+    txtLentTo->setObjectName("txtLentTo");
+    txtLentTo->setToolTip("Titles out now to this borrower; use * and ? as wildcards");
+    connect(txtLentTo, &QLineEdit::returnPressed, this, &frmFind::cmdSearch_Click);
+    addLikeRow(grid->rowCount(), "Lent to", txtLentTo);
+    chkOverdue = new QCheckBox("Overdue", Frame1);
+    chkOverdue->setObjectName("chkOverdue");
+    chkOverdue->setToolTip("Titles out beyond their due date");
+    grid->addWidget(chkOverdue, grid->rowCount(), 2, 1, 2);
+
     int row = grid->rowCount();
     grid->addWidget(new QLabel("from                            to", Frame1), row++, 2, 1, 2);
     const std::array<const char*, 2> rangeLabels{"Rating", "Number cd's"};
@@ -195,7 +208,9 @@ void frmFind::cmdSearch_Click() {
     const QString parentKey = ParentFolderKey(key);
     const QString grandparentKey = ParentFolderKey(parentKey);
 
-    if (Option1[0]->isChecked()) {
+    if (key == loans::kLentOutKey && !Option1[2]->isChecked()) {
+        gViewSQL += loans::LentOutClause();
+    } else if (Option1[0]->isChecked()) {
         if (key == "root") {
         } else if (parentKey != "root" && grandparentKey == "root") {
             gViewSQL = kPlatformStatement + parentKey.mid(3) +
@@ -242,6 +257,9 @@ void frmFind::cmdSearch_Click() {
     if (!txtBarcode->text().isEmpty())
         gViewSQL += " and title.idcd in (select idcd from titlerelease where barcode like '*" +
                     txtBarcode->text() + "*')";
+
+    if (!txtLentTo->text().isEmpty()) gViewSQL += loans::LentToClause(txtLentTo->text());
+    if (chkOverdue->isChecked()) gViewSQL += loans::OverdueClause(QDate::currentDate());
 
     AddRange(0, 1);
     AddRange(2, 3);

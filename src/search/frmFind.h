@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLineEdit>
@@ -29,6 +30,9 @@ class frmFind : public QWidget {
     QComboBox* cmbMediatype;
     // The barcode kept with a title.
     QLineEdit* txtBarcode;
+    // Loans: titles out now to a borrower like the text, and titles out beyond their due date.
+    QLineEdit* txtLentTo;
+    QCheckBox* chkOverdue;
     // Rating from and to, number of cds from and to.
     std::array<QComboBox*, 4> ComboTwo;
     // Current view, current platform, all platforms.

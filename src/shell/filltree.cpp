@@ -1,6 +1,7 @@
 // Building the folder tree from the platforms and their types, and refreshing the tree and
 // the list after a child window changed the catalogue.
 
+#include "loans/lentoutfolder.h"
 #include "lookups/viewqueries.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
@@ -54,6 +55,9 @@ void FillTree(int selectIndex, const QString& selectKey) {
     } catch (const VbError& error) {
         MsgBox(error.Description);
     }
+    if (loans::AnyTitleOut())
+        form->AddNode(root, loans::kLentOutKey, loans::kLentOutCaption, "closefolder",
+                      "openfolder");
     form->AddNode(root, "search", "search results", "searchclosed", "searchopen");
 
     QTreeWidgetItem* selected = nullptr;

@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <QScreen>
 
+#include "loans/loanstore.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
@@ -187,6 +188,10 @@ void frmMain::Form_Load() {
             GiveTextColumnsJetOrder(*gDatabase);
         }
         MakeShelfTables(*gDatabase);
+        if (loans::TablesMissing(*gDatabase)) {
+            SetSplashStatus("Updating Database to new structure");
+            loans::MakeTables(*gDatabase);
+        }
     } catch (const VbError& error) {
         ReportUnableToLoad(error);
         return;
@@ -221,6 +226,7 @@ void frmMain::Form_Load() {
 
     TV1->setRootIsDecorated(true);
     SelectFirstNode();
+    ShowLoanCount();
 
     loading_ = false;
     show();

@@ -98,6 +98,8 @@ class frmMain : public QMainWindow, public MainWindow {
     int SelectedListIndex() const override;
     void SelectListIndex(int row);
     int ListIndexOfKey(const QString& key) const override;
+    // Every selected row, in the order shown.
+    QList<int> SelectedListRows() const;
     QString ListItemKey(int row) const;
     QString ListItemText(int row) const;
     QString ListItemTag(int row) const;
@@ -147,6 +149,8 @@ class frmMain : public QMainWindow, public MainWindow {
     QAction* mnuNewCD;
     QAction* mnuRenameCD;
     QAction* mnuDeleteCD;
+    QAction* mnuLendCD;
+    QAction* mnuReturnedCD;
     QAction* mnuSeperator2;
     QAction* mnuSearchCD1;
     QAction* mnuSeperator3;
@@ -191,6 +195,11 @@ class frmMain : public QMainWindow, public MainWindow {
     // Reads the disc in the drive and selects its title, or says that it is not catalogued.
     void FindThisDisc();
     QTreeWidgetItem* NodeOfKey(const QString& key) const;
+    // After lending or taking back: the count in the status bar, the "Lent out" folder shown
+    // while any title is out, and its list read again when it is the one shown.
+    void LoansChanged() override;
+    // "3 discs lent out, 1 overdue" in the first panel, or nothing while no title is out.
+    void ShowLoanCount();
     // Hides platform id (name is shown in the question) and removes the selected node.
     void HideFolder(long id, const QString& name);
 
@@ -199,6 +208,9 @@ class frmMain : public QMainWindow, public MainWindow {
     void mnuNewCD_Click();
     void mnuRenameCD_Click();
     void mnuDeleteCD_Click();
+    // Lend... and Returned act on every selected title that is in, and out, respectively.
+    void mnuLendCD_Click();
+    void mnuReturnedCD_Click();
     void mnuSearchCD1_Click();
     void mnuListviewMaintenance_Click();
     // Fetches the missing front covers of the titles in the list.
@@ -251,6 +263,8 @@ class frmMain : public QMainWindow, public MainWindow {
     // The folder commands' target: the node under the right click, else the selected one.
     QTreeWidgetItem* FolderCommandTarget() const;
     void EnableFolderItems(QTreeWidgetItem* node);
+    // Lend... while a selected title is in, Returned while one is out.
+    void EnableLoanItems();
     // Rename (2) or delete (3) of the platform or type the folder commands aim at.
     void ModifyFolder(int action);
     void RunUpdateCommand();

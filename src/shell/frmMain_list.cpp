@@ -7,6 +7,7 @@
 #include <QScopedValueRollback>
 #include <QStyledItemDelegate>
 
+#include "loans/lentoutfolder.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobals.h"
 #include "shell/titlelistmodel.h"
@@ -38,6 +39,16 @@ class GridLinesDelegate : public QStyledItemDelegate {
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
         return QStyledItemDelegate::sizeHint(option, index) + QSize(1, 1);
     }
+
+  protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (!index.data(TitleListModel::kOverdueRole).toBool()) return;
+        QPalette& palette = option->palette;
+        palette.setColor(QPalette::Text, loans::OverdueColour(palette.color(QPalette::Base)));
+        palette.setColor(QPalette::Highlight,
+                         loans::OverdueColour(palette.color(QPalette::HighlightedText)));
+    }
 };
 
 class ListEvents : public QObject {
@@ -65,7 +76,9 @@ void frmMain::SetupList() {
     ListView1->setUniformRowHeights(true);
     ListView1->setItemsExpandable(false);
     ListView1->setAllColumnsShowFocus(true);
-    ListView1->setSelectionMode(QAbstractItemView::SingleSelection);
+    // Several titles can be chosen for lending and taking back; the other commands act on the
+    // current one.
+    ListView1->setSelectionMode(QAbstractItemView::ExtendedSelection);
     ListView1->setSelectionBehavior(QAbstractItemView::SelectRows);
     ListView1->setEditTriggers(QAbstractItemView::NoEditTriggers);
     ListView1->setIconSize(QSize(16, 16));
@@ -108,6 +121,13 @@ void frmMain::SelectListIndex(int row) {
     const QScopedValueRollback programSelection(selectingListItem_, true);
     ListView1->selectionModel()->setCurrentIndex(
         listModel_->index(row, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+QList<int> frmMain::SelectedListRows() const {
+    QList<int> rows;
+    for (const QModelIndex& row : ListView1->selectionModel()->selectedRows()) rows << row.row();
+    std::sort(rows.begin(), rows.end());
+    return rows;
 }
 
 int frmMain::ListIndexOfKey(const QString& key) const {
@@ -170,6 +190,7 @@ void frmMain::ListView1_ColumnClick(int column) {
     }
     const QScopedValueRollback programSelection(selectingListItem_, true);
     listModel_->SetSorting(sorted, sortKey, order);
+    ListView1->header()->setSortIndicatorShown(true);
     ListView1->header()->setSortIndicator(sortKey, order);
 }
 

@@ -4,6 +4,7 @@
 #include <QCursor>
 #include <QSignalBlocker>
 
+#include "loans/lentoutfolder.h"
 #include "lookups/lookupoperations.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
@@ -17,6 +18,12 @@ namespace {
 
 bool IsRootKey(const QString& key) {
     return key == "root";
+}
+
+// The search results and the lent-out titles are folders of the program, not of the catalogue:
+// no folder command applies to them.
+bool IsViewFolderKey(const QString& key) {
+    return key == "search" || key == loans::kLentOutKey;
 }
 
 // A platform's id stands behind the first three characters of its key.
@@ -39,6 +46,10 @@ void frmMain::BuildContextMenus() {
                               &frmMain::mnuRenameCD_Click);
     mnuDeleteCD = AddMenuItem(list, "mnuDeleteCD", "|Delete the CD-title|&Delete",
                               &frmMain::mnuDeleteCD_Click);
+    mnuLendCD = AddMenuItem(list, "mnuLendCD", "|Lend the CD-title(s) to someone|&Lend...",
+                            &frmMain::mnuLendCD_Click);
+    mnuReturnedCD = AddMenuItem(list, "mnuReturnedCD", "|The lent CD-title(s) came back|Re&turned",
+                                &frmMain::mnuReturnedCD_Click);
     mnuSeperator2 = AddMenuItem(list, "mnuSeperator2", "-");
     mnuSearchCD1 =
         AddMenuItem(list, "mnuSearchCD1", "|Search for CD|&Search", &frmMain::mnuSearchCD1_Click);
@@ -134,7 +145,7 @@ void frmMain::EnableFolderItems(QTreeWidgetItem* node) {
         mnuRenameFolder->setEnabled(true);
         if (node->parent() && IsRootKey(NodeKey(node->parent()))) mnuHideFolder->setEnabled(true);
     }
-    if (key == "search")
+    if (IsViewFolderKey(key))
         for (QAction* item : {mnuReadRecordsFromFolder, mnuAddFolder, mnuRenameFolder,
                               mnuDeleteFolder, mnuHideFolder})
             item->setEnabled(false);
@@ -175,7 +186,7 @@ void frmMain::ListView1_MouseUp(int button, const QPoint& position) {
     const bool onItem = under.isValid();
     // The menu is for the row under the pointer, as the platform's list selects it at the
     // press; a quick click can bring the button up before the press has selected anything.
-    if (onItem && SelectedListIndex() != under.row()) {
+    if (onItem && !ListView1->selectionModel()->isRowSelected(under.row())) {
         SelectListIndex(under.row());
         gCurrentTitleId = ListItemTag(under.row()).toLong();
     }
@@ -184,6 +195,7 @@ void frmMain::ListView1_MouseUp(int button, const QPoint& position) {
         ListView1->selectionModel()->clear();
         DoEvents();
     }
+    EnableLoanItems();
     PopupMenu(mnuListviewContext);
 }
 
@@ -237,7 +249,7 @@ void frmMain::mnuAddFolder_Click() {
     QString result;
     if (IsRootKey(key)) {
         result = ModifyPlatform(kLookupAdd, 0, name);
-    } else if (parent && IsRootKey(NodeKey(parent)) && key != "search") {
+    } else if (parent && IsRootKey(NodeKey(parent)) && !IsViewFolderKey(key)) {
         result = ModifyType(kLookupAdd, PlatformIdOfKey(key), name);
     } else if (parent && parent->parent() && IsRootKey(NodeKey(parent->parent()))) {
         result = ModifyType(kLookupAdd, PlatformIdOfKey(NodeKey(parent)), name);
@@ -250,7 +262,7 @@ void frmMain::ModifyFolder(int action) {
     if (!node) return;
     const QString key = NodeKey(node);
     QTreeWidgetItem* parent = node->parent();
-    if (!parent || key == "search") return;
+    if (!parent || IsViewFolderKey(key)) return;
     QString name = node->text(0);
     QString result;
     const QString parentKey = NodeKey(parent);

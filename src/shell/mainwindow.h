@@ -25,6 +25,8 @@ class MainWindow {
                              const QStringList& subItems, const QString& tag) = 0;
     virtual void SetListItem(int row, const QString& text, const QStringList& subItems) = 0;
     virtual void RemoveListItem(int row) = 0;
+    // A window lent or took back titles: the loan count and the "Lent out" folder follow.
+    virtual void LoansChanged() = 0;
 
   protected:
     ~MainWindow() = default;

@@ -6,7 +6,10 @@
 #include <QMetaObject>
 #include <QScopedValueRollback>
 #include <QSet>
+#include <optional>
+#include <utility>
 
+#include "loans/lentoutfolder.h"
 #include "lookups/viewqueries.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
@@ -32,6 +35,8 @@ void OpenViewOfNode(frmMain* form, QTreeWidgetItem* node) {
     QTreeWidgetItem* root = form->Node(1);
     if (key == "root") {
         OpenView("platform", 0, 32767, "");
+    } else if (key == loans::kLentOutKey) {
+        loans::OpenLentOutView();
     } else if (parent == root && key != "search") {
         const int id = PlatformIdOf(key);
         OpenView("platform", id, id, "");
@@ -60,7 +65,11 @@ long CountRows(Recordset* view) {
     return count;
 }
 
-std::vector<TitleRow> ReadRows(Recordset* view, long count) {
+const std::array<QString, 5> kSubItemFields = {"nmvendor", "nmtype", "nmspecific", "nrcds",
+                                               "nmmediatype"};
+
+std::vector<TitleRow> ReadRows(Recordset* view, long count,
+                               const std::array<QString, 5>& subItemFields) {
     std::vector<TitleRow> rows;
     if (count <= 0) return rows;
     rows.reserve(count);
@@ -68,9 +77,10 @@ std::vector<TitleRow> ReadRows(Recordset* view, long count) {
     Field idcd = view->Fields("idcd");
     Field platform = view->Fields("platform.idplatform");
     Field name = view->Fields("nmcd");
-    const std::array<Field, 5> subItems = {view->Fields("nmvendor"), view->Fields("nmtype"),
-                                           view->Fields("nmspecific"), view->Fields("nrcds"),
-                                           view->Fields("nmmediatype")};
+    const std::array<Field, 5> subItems = {
+        view->Fields(subItemFields[0]), view->Fields(subItemFields[1]),
+        view->Fields(subItemFields[2]), view->Fields(subItemFields[3]),
+        view->Fields(subItemFields[4])};
     // Vendors, types, kinds, counts and media repeat over thousands of titles: the rows share
     // one copy of each, which keeps a large list small and lets it measure each text once.
     std::array<QSet<QString>, 5> sharedTexts;
@@ -87,20 +97,31 @@ std::vector<TitleRow> ReadRows(Recordset* view, long count) {
     return rows;
 }
 
+// The lent-out folder keeps the order of its due dates; the other folders get back the sorting
+// they had before it.
+std::optional<bool> sortedBeforeLentOut;
+
 void FillList(frmMain* form) {
     TitleListModel* model = form->ListModel();
     form->SetMousePointer(vbHourglass);
     form->SetPanelText(2, gItemCountText);
     form->ClearListItems();
     DoEvents();
-    const bool sorted = model->Sorted();
+    const bool lentOut = gListReadState.readingKey == loans::kLentOutKey;
+    bool sorted = model->Sorted();
+    if (lentOut && !sortedBeforeLentOut) sortedBeforeLentOut = sorted;
+    if (!lentOut && sortedBeforeLentOut) sorted = *std::exchange(sortedBeforeLentOut, {});
     model->SetSorted(false);
+    model->SetHeaders(lentOut ? loans::LentOutHeaders() : QStringList());
 
     form->ListView1->setUpdatesEnabled(false);
     try {
         OpenViewOfNode(form, form->Node(gListReadState.nodeIndex));
         const long count = CountRows(gRecordset.get());
-        model->SetRows(ReadRows(gRecordset.get(), count));
+        std::vector<TitleRow> rows = ReadRows(
+            gRecordset.get(), count, lentOut ? loans::LentOutSubItemFields() : kSubItemFields);
+        if (lentOut) loans::MarkOverdue(rows, QDate::currentDate());
+        model->SetRows(std::move(rows));
     } catch (const VbError& error) {
         MsgBox(error.Description);
     }
@@ -109,7 +130,8 @@ void FillList(frmMain* form) {
         for (int column = 1; column <= TitleListModel::kColumns; ++column)
             AutosizeColumn(form->ListView1, column, true);
     }
-    model->SetSorted(sorted);
+    model->SetSorted(lentOut ? false : sorted);
+    form->ListView1->header()->setSortIndicatorShown(model->Sorted());
     if (hasItems) form->SelectListIndex(0);
     form->ListView1->setUpdatesEnabled(true);
     form->SetMousePointer(vbArrow);

@@ -43,6 +43,8 @@ void frmMain::DeleteTitle() {
                                    QString::number(gCurrentTitleId));
                 RemoveListItem(row);
                 ListView1->viewport()->update();
+                // Its loans went with it.
+                ShowLoanCount();
             }
         }
         // The count panel keeps its number until the next read.

@@ -44,6 +44,7 @@ QVariant TitleListModel::data(const QModelIndex& index, int role) const {
     if (role == Qt::DisplayRole) return Text(index.row(), index.column());
     if (role == Qt::ToolTipRole)
         return CoverToolTip(rows_[index.row()].tag, rows_[index.row()].text);
+    if (role == kOverdueRole) return rows_[index.row()].overdue;
     if (role == Qt::DecorationRole && index.column() == 0) {
         const int icon = rows_[index.row()].smallIcon;
         if (icon > 0 && icon < static_cast<int>(icons_.size())) return icons_[icon];
@@ -54,8 +55,14 @@ QVariant TitleListModel::data(const QModelIndex& index, int role) const {
 QVariant TitleListModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation == Qt::Horizontal && role == Qt::DisplayRole && section >= 0 &&
         section < kColumns)
-        return QString(kHeaders[section]);
+        return headers_.isEmpty() ? QString(kHeaders[section]) : headers_.value(section);
     return {};
+}
+
+void TitleListModel::SetHeaders(const QStringList& headers) {
+    if (headers == headers_) return;
+    headers_ = headers;
+    emit headerDataChanged(Qt::Horizontal, 0, kColumns - 1);
 }
 
 void TitleListModel::Clear() {

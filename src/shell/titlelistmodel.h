@@ -18,12 +18,16 @@ struct TitleRow {
     QString tag;
     // 1..5 for the program's platforms, 6 for all others.
     int smallIcon = 6;
+    // A title lent out beyond its due date: drawn in its own colour.
+    bool overdue = false;
 };
 
 class TitleListModel : public QAbstractTableModel {
     Q_OBJECT
   public:
     static constexpr int kColumns = 6;
+    // data() answers this role with the row's overdue flag.
+    static constexpr int kOverdueRole = Qt::UserRole + 1;
 
     explicit TitleListModel(QObject* parent = nullptr);
 
@@ -36,6 +40,9 @@ class TitleListModel : public QAbstractTableModel {
     const TitleRow& Row(int row) const { return rows_[row]; }
     // The text of a 0-based column: the item's text, then the five sub-items.
     const QString& Text(int row, int column) const;
+
+    // The column headers; an empty list gives the design's six.
+    void SetHeaders(const QStringList& headers);
 
     void Clear();
     // Replaces every row at once (one reset); sorted first when the list is sorted.
@@ -65,6 +72,7 @@ class TitleListModel : public QAbstractTableModel {
     void SortRows();
 
     std::vector<TitleRow> rows_;
+    QStringList headers_;
     std::array<QIcon, 7> icons_;
     bool sorted_ = false;
     int sortKey_ = 0;

@@ -24,6 +24,7 @@
 #include "export/frmExport.h"
 #include "import/frmImport.h"
 #include "jet/jet.h"
+#include "loans/frmLend.h"
 #include "lookups/lookupoperations.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
@@ -82,6 +83,7 @@ const QList<Operation> kOperations = {
     {"lookup-changes", "", "data.gdb", Steps::CatalogueRows, false},
     {"cover-fetch", "Fetching cover", "data.gdb"},
     {"cover-save", "Saving cover", "data.gdb"},
+    {"lend", "Lending", "data.gdb"},
 };
 
 // The title the editor saves: three tracks that become sixty long ones, under a new name.
@@ -206,6 +208,13 @@ void RunOperation(const QString& name, const QString& folder, ScriptedDialogs& d
         gEditForm->cmdOK_Click();
         // A failed save leaves the editor open, as it does for the user.
         if (gEditForm) gEditForm->Unload();
+    } else if (name == "lend") {
+        // Every title at once, through the lend window's OK.
+        QList<long> titles;
+        for (int id = 1; id <= kCatalogueTitles; ++id) titles << id;
+        GuardedDialog<frmLend> window(titles, QStringList(), gMainForm);
+        window->cboBorrower->setEditText("Everyone");
+        window->cmdOK_Click();
     } else if (name == "download") {
         GuardedDialog<frmDownload> download(gMainForm);
         bool succeeded = false;
@@ -417,6 +426,7 @@ struct CatalogueState {
     QString editedTitle;
     // Covers that are not one of the images whole, or lack their thumbnail.
     long brokenCovers = -1;
+    long openLoans = -1;
 };
 
 CatalogueState InspectCatalogue(const QString& folder) {
@@ -465,6 +475,7 @@ CatalogueState InspectCatalogue(const QString& folder) {
                        .arg(SavedCover().size())
                        .toUtf8())
                 .toLong();
+        state.openLoans = scalar("select count(*) from loan where returned is null").toLong();
     }
     sqlite3_close(db);
     QFile::remove(copy);
@@ -681,6 +692,11 @@ class FaultInjectionTest : public QObject {
                     QVERIFY2(stored.value(title.key()) == title.value(),
                              qPrintable(label + ": title " + title.key()));
             }
+        } else if (operation.name == "lend") {
+            // All or none; a lending that was not cut by force ends whole.
+            QVERIFY2(state.openLoans == 0 || state.openLoans == kCatalogueTitles,
+                     qPrintable(label + ": " + QString::number(state.openLoans)));
+            if (cut == Cut::Term) QCOMPARE(state.openLoans, long(kCatalogueTitles));
         } else if (operation.name == "download") {
             const QStringList said = run.lines("DOWNLOADED ");
             if (said.value(0) == "1" || cut == Cut::Term)

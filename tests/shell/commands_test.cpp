@@ -277,9 +277,9 @@ class CommandsTest : public QObject {
         };
         SelectListRow(1);
         RightClick(form()->ListView1, ListRowPoint(0));
-        QCOMPARE(enabled,
-                 QStringList({"mnuViewProperties", "mnuNewCD", "mnuRenameCD", "mnuDeleteCD",
-                              "mnuSearchCD1", "mnuListviewMaintenance", "mnuFetchCovers"}));
+        QCOMPARE(enabled, QStringList({"mnuViewProperties", "mnuNewCD", "mnuRenameCD",
+                                       "mnuDeleteCD", "mnuLendCD", "mnuSearchCD1",
+                                       "mnuListviewMaintenance", "mnuFetchCovers"}));
 
         enabled.clear();
         SelectListRow(1);

@@ -255,6 +255,9 @@ class ControlsTest : public QObject {
         QTRY_COMPARE(form->PanelText(1), QString("Rename the CD-title"));
         QTest::keyClick(menu, Qt::Key_Down);
         QTest::keyClick(menu, Qt::Key_Down);
+        QTRY_COMPARE(form->PanelText(1), QString("Lend the CD-title(s) to someone"));
+        QTest::keyClick(menu, Qt::Key_Down);
+        QTest::keyClick(menu, Qt::Key_Down);
         QTRY_COMPARE(form->PanelText(1), QString("Search for CD"));
         // An accelerator picks its item.
         QSignalSpy picked(form->mnuDeleteCD, &QAction::triggered);
