@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QHeaderView>
+#include <QLayout>
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QStyledItemDelegate>

@@ -1,6 +1,8 @@
 // Turning the guarded catalogue file into the open database, installing it from the template
 // when it is missing.
 
+#include <QFile>
+
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "store/catalogue.h"

@@ -1,6 +1,7 @@
 // Recordset: the rows of a statement, read as they are visited, and the fields of the current
 // row.
 
+#include <QRegularExpression>
 #include <algorithm>
 
 #include "store/dao_detail.h"

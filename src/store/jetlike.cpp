@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <QList>
 #include <memory>
 #include <string_view>
 

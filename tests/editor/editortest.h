@@ -4,6 +4,7 @@
 // opened on either road, and a few reads of the catalogue.
 
 #include <QComboBox>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <memory>
