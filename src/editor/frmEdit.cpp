@@ -19,6 +19,7 @@
 #include "shell/mainwindow.h"
 #include "toolkit/ctlGoldButton.h"
 #include "toolkit/keyupguard.h"
+#include "toolkit/longwork.h"
 #include "toolkit/vbruntime.h"
 
 frmEdit* gEditForm = nullptr;
@@ -58,6 +59,7 @@ bool IsEnter(const QKeyEvent* event) {
 frmEdit::frmEdit(QWidget* parent) : QDialog(parent) {
     keyupguard::Install();
     BuildWindow();
+    AddOpenWindow(this);
 }
 
 frmEdit::~frmEdit() {
@@ -431,7 +433,7 @@ void frmEdit::cmdTracks_Click() {
         tracksListing_ = new frmTracksListing(this);
         tracksListing_->Form_Load();
     }
-    tracksListing_->exec();
+    RunModal(tracksListing_);
 }
 
 void frmEdit::cmdCancel_Click() {
@@ -448,8 +450,11 @@ void frmEdit::reject() {
 }
 
 void frmEdit::Unload() {
-    if (unloaded_) return;
+    if (unloaded_ || !UnloadMayRunNow(this, [this] { Unload(); })) return;
     unloaded_ = true;
+    // The refresh below pumps events; nothing else closes underneath it.
+    const BusyScope unloading;
+    RemoveOpenWindow(this);
     if (tracksListing_) {
         tracksListing_->Unload();
         tracksListing_ = nullptr;
@@ -467,5 +472,5 @@ void frmEdit::Unload() {
 void ShowEditForm(QWidget* owner) {
     gEditForm = new frmEdit(owner);
     gEditForm->Form_Load();
-    gEditForm->exec();
+    RunModal(gEditForm);
 }

@@ -102,7 +102,7 @@ frmLookup::~frmLookup() {
 frmLookup::Outcome frmLookup::Run() {
     ReportProgress(kOperation, 0, 2);
     musicBrainz_->Start(ids_);
-    exec();
+    RunModal(this);
     musicBrainz_->Cancel();
     gnudb_->Cancel();
     return outcome_;
