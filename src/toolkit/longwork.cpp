@@ -222,9 +222,16 @@ bool InputBlock::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void ReportProgress(const QString& operation, qint64 done, qint64 total) {
-    // A listener may add or remove listeners (a test that ends its cut), so walk a copy.
-    const auto listeners = Listeners();
-    for (const auto& [handle, listener] : listeners) listener(operation, done, total);
+    // A listener may add or remove listeners (a test that ends its cut, a window freed while a
+    // listener lets events through): each one there now is told, unless it has gone meanwhile.
+    std::vector<int> handles;
+    for (const auto& entry : Listeners()) handles.push_back(entry.first);
+    for (const int handle : handles) {
+        const auto found = Listeners().find(handle);
+        if (found == Listeners().end()) continue;
+        const ProgressListener listener = found->second;
+        listener(operation, done, total);
+    }
 }
 
 void EndProgress(const QString& operation) {

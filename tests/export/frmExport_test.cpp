@@ -2,6 +2,7 @@
 // the driver and when the window stays open.
 
 #include <QCheckBox>
+#include <QRadioButton>
 
 #include "export/exporttest.h"
 #include "export/frmExport.h"
