@@ -9,6 +9,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <QRadioButton>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <csignal>
