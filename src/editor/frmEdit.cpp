@@ -22,6 +22,7 @@
 #include "store/fieldsizes.h"
 #include "toolkit/ctlGoldButton.h"
 #include "toolkit/keyupguard.h"
+#include "toolkit/longwork.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
 #include "toolkit/vbstrings.h"
@@ -63,6 +64,7 @@ bool IsEnter(const QKeyEvent* event) {
 frmEdit::frmEdit(QWidget* parent) : QDialog(parent) {
     keyupguard::Install();
     BuildWindow();
+    AddOpenWindow(this);
 }
 
 frmEdit::~frmEdit() {
@@ -481,7 +483,7 @@ void frmEdit::cmdTracks_Click() {
         tracksListing_ = new frmTracksListing(this);
         tracksListing_->Form_Load();
     }
-    tracksListing_->exec();
+    RunModal(tracksListing_);
 }
 
 void frmEdit::cmdCancel_Click() {
@@ -498,8 +500,11 @@ void frmEdit::reject() {
 }
 
 void frmEdit::Unload() {
-    if (unloaded_) return;
+    if (unloaded_ || !UnloadMayRunNow(this, [this] { Unload(); })) return;
     unloaded_ = true;
+    // The refresh below pumps events; nothing else closes underneath it.
+    const BusyScope unloading;
+    RemoveOpenWindow(this);
     if (tracksListing_) {
         tracksListing_->Unload();
         tracksListing_ = nullptr;
@@ -518,6 +523,6 @@ void ShowEditForm(QWidget* owner) {
     do {
         gEditForm = new frmEdit(owner);
         gEditForm->Form_Load();
-        gEditForm->exec();
+        RunModal(gEditForm);
     } while (OpenNextByBarcode());
 }

@@ -77,7 +77,7 @@ frmFetchCovers::frmFetchCovers(const QList<long>& titleIds, QWidget* parent) : Q
 frmFetchCovers::Summary frmFetchCovers::Run() {
     const BusyScope busy;
     QTimer::singleShot(0, this, &frmFetchCovers::Next);
-    if (exec() != QDialog::Accepted) summary_.stopped = true;
+    if (RunModal(this) != QDialog::Accepted) summary_.stopped = true;
     archive_->Cancel();
     EndProgress(kOperation);
     return summary_;

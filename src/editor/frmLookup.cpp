@@ -107,7 +107,7 @@ frmLookup::Outcome frmLookup::Run() {
         musicBrainz_->Start(ids_);
     else
         musicBrainz_->StartSearch(barcode_);
-    exec();
+    RunModal(this);
     musicBrainz_->Cancel();
     gnudb_->Cancel();
     return outcome_;

@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
+#include <QPointer>
 #include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -18,6 +19,7 @@
 #include "store/catalogue.h"
 #include "store/frmPerformAction.h"
 #include "toolkit/imagelists.h"
+#include "toolkit/longwork.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vberror.h"
 
@@ -550,17 +552,24 @@ void frmDatabase::reject() {
 }
 
 void frmDatabase::Unload() {
-    if (unloaded_) return;
+    if (unloaded_ || !UnloadMayRunNow(this, [this] { Unload(); })) return;
     unloaded_ = true;
+    RemoveOpenWindow(this);
     if (windowState() == Qt::WindowNoState) move(-width(), -height());
     recordset_.reset();
     if (gDatabaseForm == this) gDatabaseForm = nullptr;
-    if (gTreeDirty || gListDirty) {
-        const QString filter = gRecordset ? gRecordset->Filter() : QString();
-        const QString sort = gRecordset ? gRecordset->Sort() : QString();
-        (new frmPerformAction())
-            ->PerformAction(frmPerformAction::CompactMainDatabase, this, true, filter, sort, false);
-    }
+    // The compaction closes the catalogue: it waits until no other work, which may have the
+    // catalogue open, is under way (the window itself is gone by then).
+    if (gTreeDirty || gListDirty)
+        RunWhenIdle([owner = QPointer<QWidget>(parentWidget())] {
+            // An end that came first has compacted the catalogue already.
+            if (!owner || !TheMainWindow() || !gDatabase) return;
+            const QString filter = gRecordset ? gRecordset->Filter() : QString();
+            const QString sort = gRecordset ? gRecordset->Sort() : QString();
+            (new frmPerformAction())
+                ->PerformAction(frmPerformAction::CompactMainDatabase, owner, true, filter, sort,
+                                false);
+        });
     QDialog::done(QDialog::Rejected);
     deleteLater();
 }
@@ -568,5 +577,5 @@ void frmDatabase::Unload() {
 void ShowDatabaseForm(QWidget* owner) {
     gDatabaseForm = new frmDatabase(owner);
     gDatabaseForm->Form_Load();
-    gDatabaseForm->exec();
+    RunModal(gDatabaseForm);
 }

@@ -19,6 +19,7 @@
 #include "shell/mainwindow.h"
 #include "store/dao.h"
 #include "toolkit/keyupguard.h"
+#include "toolkit/longwork.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vbruntime.h"
 #include "toolkit/vbstrings.h"
@@ -69,6 +70,7 @@ frmFind::frmFind(QWidget* owner)
     keyupguard::Install();
     BuildWindow();
     Form_Load();
+    AddOpenWindow(this);
 }
 
 frmFind::~frmFind() {
@@ -292,7 +294,9 @@ bool frmFind::event(QEvent* event) {
                 this,
                 [this] {
                     activationQueued_ = false;
-                    Form_Activate();
+                    // A window closed meanwhile is on its way out: its activation would let
+                    // events through and with them its own deletion.
+                    if (isVisible()) Form_Activate();
                 },
                 Qt::QueuedConnection);
         }
@@ -332,8 +336,15 @@ bool frmFind::eventFilter(QObject* watched, QEvent* event) {
     return QWidget::eventFilter(watched, event);
 }
 
-// Closing moves the window out of sight at once; the object goes with it.
+// Closing moves the window out of sight at once; the object goes with it, and the next search
+// opens a new one.
 void frmFind::closeEvent(QCloseEvent* event) {
+    if (!UnloadMayRunNow(this, [this] { close(); })) {
+        event->ignore();
+        return;
+    }
+    RemoveOpenWindow(this);
+    if (gFindForm == this) gFindForm = nullptr;
     if (windowState() == Qt::WindowNoState) move(-width(), -height());
     event->accept();
 }

@@ -2,6 +2,7 @@
 // update program reads are written.
 
 #include <QCloseEvent>
+#include <QPointer>
 
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
@@ -51,14 +52,12 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 bool frmMain::Form_QueryUnload() {
-    if (MousePointer() == vbArrow && !ProgramIsBusy()) return true;
-    // Work that pumps events is still using the catalogue and its windows: the close is
-    // refused now and made once that work has returned.
-    if (ProgramIsBusy())
-        RunWhenIdle([] {
-            if (gMainForm) gMainForm->close();
-        });
-    return false;
+    // Work that pumps events is still using the catalogue and its windows, or a window is open
+    // over it: the close is refused now and made once the windows are closed (as Cancel) and
+    // the work has returned.
+    return EndProgramWhenIdle([window = QPointer<frmMain>(this)] {
+        if (window) window->close();
+    });
 }
 
 void frmMain::Form_Unload() {

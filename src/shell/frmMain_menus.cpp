@@ -11,6 +11,7 @@
 #include "shell/mGlobals.h"
 #include "toolkit/WndCoolMenu.h"
 #include "toolkit/imagelists.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mCoolMenu.h"
 #include "toolkit/vbruntime.h"
 
@@ -132,6 +133,8 @@ void frmMain::PopupMenu(QMenu* menu) {
         PopupMenuHook(menu);
         return;
     }
+    // The chosen command runs inside the menu's loop, and the caller goes on after it.
+    const BusyScope open;
     menu->exec(QCursor::pos());
 }
 

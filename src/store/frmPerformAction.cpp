@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "store/catalogue.h"
+#include "toolkit/longwork.h"
 #include "toolkit/vbruntime.h"
 
 frmPerformAction::frmPerformAction()
@@ -49,7 +50,10 @@ void frmPerformAction::PerformAction(int iWhichAction, QWidget* owner, bool reop
         setWindowModality(Qt::ApplicationModal);
         // The owner may already have moved out of sight for its closing work.
         move(screen()->availableGeometry().center() - rect().center());
-        // The owner may be deleted while the window runs, and this window with it.
+        // The catalogue is closed while the window runs: nothing may end the program, unload
+        // a window or reach the catalogue through another window meanwhile.
+        const BusyScope compacting;
+        const InputBlock catalogueClosed;
         const QPointer<frmPerformAction> alive(this);
         exec();
         if (!alive) return;

@@ -4,6 +4,7 @@
 #include <QPointer>
 
 #include "toolkit/ctlGoldButton.h"
+#include "toolkit/longwork.h"
 
 namespace {
 
@@ -40,7 +41,12 @@ void ctlGoldButton::OLEDrag() {
     QPointer<QDrag> drag = new QDrag(this);
     drag->setMimeData(data);
     connect(drag, &QDrag::actionChanged, this, &ctlGoldButton::OLEGiveFeedback);
-    const Qt::DropAction effect = drag->exec(allowed);
+    Qt::DropAction effect = Qt::IgnoreAction;
+    {
+        // The drag runs a loop of its own; the window must still be there when it ends.
+        const BusyScope dragging;
+        effect = drag->exec(allowed);
+    }
     if (drag) drag->deleteLater();
     emit OLECompleteDrag(effect);
 }

@@ -9,6 +9,8 @@
 #include <QPointer>
 #include <utility>
 
+#include "toolkit/longwork.h"
+
 template <class Dialog>
 class GuardedDialog {
   public:
@@ -20,10 +22,7 @@ class GuardedDialog {
 
     Dialog* operator->() const { return dialog_.data(); }
     // A dialog that went with its owner answers as cancelled; check Alive before reading it.
-    int exec() {
-        const int result = dialog_->exec();
-        return dialog_ ? result : int(QDialog::Rejected);
-    }
+    int exec() { return RunModal(dialog_.data()); }
     bool Alive() const { return !dialog_.isNull(); }
 
   private:

@@ -1,12 +1,22 @@
 #pragma once
 
+#include <QObject>
 #include <QString>
 #include <functional>
 
+class QDialog;
+class QWidget;
+
 // Long work (imports, exports, the download, compaction, any box that waits for the user) pumps
 // events while it runs, and a close that arrives through that pumping must not free what the
-// work still uses. Such work holds a BusyScope; the program's end is refused while one is held
-// and runs once the last one is gone.
+// work still uses. Every loop that pumps events inside a handler (a yield, a box, a chooser, a
+// menu, a modal window) runs inside a BusyScope, and the closes wait for them:
+// - the program's end runs only when nothing is busy and no window is open over the catalogue;
+//   an end asked for sooner closes the open windows first, the top-most first, each as Cancel
+//   once nothing of its own is under way, and then runs;
+// - a window's unload runs only when nothing pumps events above the window's own loop (no box,
+//   yield, modal window or other unload of its own is under way); asked for sooner, it runs
+//   once the work above has returned.
 class BusyScope {
   public:
     BusyScope();
@@ -17,8 +27,39 @@ class BusyScope {
 
 bool ProgramIsBusy();
 
-// Runs action now when nothing is busy, else once the last BusyScope has ended (from the event
-// loop, so the work that held it has returned first). A second request before then is one.
+// Asks for the program's end. True when it may run now: nothing is busy and every open window
+// has closed at once. Otherwise false, and end runs later from the event loop, once the windows
+// have closed and the work has returned; a second request before then is one.
+bool EndProgramWhenIdle(std::function<void()> end);
+
+// The windows an end closes first. A dialog run by RunModal is one while it runs; a window that
+// works on the catalogue without a loop of its own adds itself while it is open. Closing one as
+// Cancel rejects a dialog and closes any other window.
+void AddOpenWindow(QWidget* window);
+void RemoveOpenWindow(QWidget* window);
+
+// Runs dialog's own loop. The caller goes on once the dialog has closed, so it counts as busy
+// meanwhile. A dialog that went with its owner answers QDialog::Rejected.
+int RunModal(QDialog* dialog);
+
+// Called at the start of a window's unload: true when it may run now; otherwise unload runs
+// once the work above the window's loop has returned (not at all if the window has gone), and
+// the caller returns.
+bool UnloadMayRunNow(QWidget* window, std::function<void()> unload);
+
+// While one is held the catalogue is closed: the user's input (mouse, keys, wheel, menus, close
+// buttons) reaches only the top-most modal window, whatever window it was aimed at.
+class InputBlock : public QObject {
+  public:
+    InputBlock();
+    ~InputBlock() override;
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+};
+
+// Runs action now when nothing is busy, else from the event loop once all work has returned:
+// work that closes the catalogue (a compaction) must not run underneath other work.
 void RunWhenIdle(std::function<void()> action);
 
 // Long work reports each step: what it does ("Importing line", "Exporting title"...), how far

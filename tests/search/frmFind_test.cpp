@@ -237,6 +237,27 @@ class FindTest : public QObject {
         QVERIFY(dialogs.msgBoxes.isEmpty());
     }
 
+    // A window closed before its activation handler ran is on its way out: the handler, which
+    // lets events through, would let its deletion through too and go on with a freed window. It
+    // does nothing, and the next search opens a new window.
+    void closedWindowIsNotActivatedAgain() {
+        ScriptedDialogs dialogs;
+        frmFind* form = OpenFindWindow();
+        QVERIFY(form);
+        const QPointer<frmFind> closed(form);
+        QEvent activate(QEvent::WindowActivate);
+        QCoreApplication::sendEvent(form, &activate);
+        form->close();
+        QVERIFY(!gFindForm);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(closed.isNull());
+
+        frmFind* next = OpenFindWindow();
+        QVERIFY(next && next->isVisible());
+        QCOMPARE(next->cmbMediatype->count(), 6);
+    }
+
     void keysSearchAndClose() {
         ScriptedDialogs dialogs;
         frmFind* form = OpenFindWindow();

@@ -9,6 +9,7 @@
 #include "shell/terminationsignals.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/vbruntime.h"
 #include "update/frmDownload.h"
@@ -216,6 +217,61 @@ class CommandsTest : public QObject {
         QVERIFY(window.isNull());
         qunsetenv("VELMORA_UPDATE_SERVER");
         qunsetenv("WINEPREFIX");
+    }
+
+    // The end with the title editor open closes the editor first, as Cancel, and then compacts
+    // the catalogue: no window that uses the catalogue is left open while it is closed.
+    void endClosesTheOpenEditorBeforeTheCatalogue() {
+        gModifyingTitle = true;
+        gCurrentTitleId = 1;
+        gEditForm = new frmEdit(form());
+        gEditForm->Form_Load();
+        gEditForm->show();
+        const QPointer<frmEdit> editor(gEditForm);
+        bool editorOpenWhileCompacting = false;
+        const int listener = AddProgressListener([&](const QString& operation, qint64, qint64) {
+            if (operation == "Compacting byte") editorOpenWhileCompacting |= gEditForm != nullptr;
+        });
+        TerminationSignals terminationSignals;
+        ::raise(SIGTERM);
+        QTRY_VERIFY(!gMainForm);
+        RemoveProgressListener(listener);
+        QVERIFY(!editorOpenWhileCompacting);
+        QCOMPARE(ReadBytes(folder_->file("data.gdb"), 15), QByteArray("SQLite format F"));
+    }
+
+    // The maintenance window closed with changes compacts the catalogue, which closes it: that
+    // waits until other work, which may have the catalogue open, has returned. Input and an end
+    // asked for while the catalogue is closed wait for the compaction; the end then guards it.
+    void compactionWaitsForOtherWorkAndHoldsOffInputAndTheEnd() {
+        std::unique_ptr<Recordset> titles =
+            gDatabase->OpenRecordset("select * from title", dbOpenDynaset, dbReadOnly);
+        const QPointer<frmMain> window = form();
+        int reports = 0;
+        bool endedWhileCompacting = false;
+        bool treeMovedWhileCompacting = false;
+        const int listener = AddProgressListener([&](const QString& operation, qint64, qint64) {
+            if (operation != "Compacting byte" || reports++ > 0) return;
+            const QTreeWidgetItem* selected = window->TV1->currentItem();
+            QTest::keyClick(window->TV1, Qt::Key_Down);
+            treeMovedWhileCompacting = window->TV1->currentItem() != selected;
+            window->Unload();
+            endedWhileCompacting = window->IsUnloaded();
+        });
+        {
+            const BusyScope otherWork;
+            testsupport::RejectNextModal([](QWidget*) { gTreeDirty = true; });
+            form()->Toolbar1_ButtonClick("maintenance");
+            QVERIFY(!titles->IsEOF());
+            QCOMPARE(reports, 0);
+        }
+        QTRY_VERIFY(reports > 0);
+        titles.reset();
+        QTRY_VERIFY(window.isNull() || window->IsUnloaded());
+        RemoveProgressListener(listener);
+        QVERIFY(!treeMovedWhileCompacting);
+        QVERIFY(!endedWhileCompacting);
+        QCOMPARE(ReadBytes(folder_->file("data.gdb"), 15), QByteArray("SQLite format F"));
     }
 
     void treeContextMenuOffersWhatTheNodeAllows() {

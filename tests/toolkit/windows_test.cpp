@@ -3,6 +3,7 @@
 
 #include "support/testsupport.h"
 #include "toolkit/cCommonDialog.h"
+#include "toolkit/longwork.h"
 #include "toolkit/mUtility.h"
 #include "toolkit/msgbox.h"
 #include "toolkit/vberror.h"
@@ -178,6 +179,19 @@ class WindowsTest : public QObject {
         QCOMPARE(MsgBox("Really?", vbYesNoCancel + vbQuestion, "Owner goes"), int(vbCancel));
         QVERIFY(!owner);
         testsupport::InstallUnscriptedResponders();
+    }
+
+    // A listener may free what the next one belongs to (it lets events through, and a window
+    // goes): a listener removed during a report is not told any more.
+    void aListenerRemovedDuringAReportIsNotTold() {
+        int second = 0;
+        int told = 0;
+        const int first = AddProgressListener(
+            [&](const QString&, qint64, qint64) { RemoveProgressListener(second); });
+        second = AddProgressListener([&](const QString&, qint64, qint64) { ++told; });
+        ReportProgress("Testing step", 1, 2);
+        RemoveProgressListener(first);
+        QCOMPARE(told, 0);
     }
 };
 
