@@ -222,6 +222,9 @@ bool InputBlock::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void ReportProgress(const QString& operation, qint64 done, qint64 total) {
+    // Whoever reports progress is in the middle of work on the catalogue: an end or an unload
+    // that a listener asks for (a click let through, a signal) waits until the work returns.
+    const BusyScope reporting;
     // A listener may add or remove listeners (a test that ends its cut, a window freed while a
     // listener lets events through): each one there now is told, unless it has gone meanwhile.
     std::vector<int> handles;
