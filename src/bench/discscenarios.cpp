@@ -11,6 +11,7 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
+#include "bench/benchprogram.h"
 #include "disc/audiodisc.h"
 #include "disc/datadisc.h"
 #include "editor/frmEdit.h"
@@ -69,9 +70,7 @@ std::vector<double> TimeReadAudioIntoEditor(const QString& folder, int runs) {
     SetDiscDriveLocator([cue] { return cue; });
     SetMsgBoxResponder(
         [](const MsgBoxCall& call) -> int { throw VbError(0, "unexpected box: " + call.prompt); });
-    App.Path = folder;
-    gMainForm = new frmMain();
-    gMainForm->Form_Load();
+    bench::StartProgram(folder);
     std::vector<double> times;
     for (int run = 0; run < runs; ++run) {
         OpenNewAudioTitle();
@@ -85,9 +84,7 @@ std::vector<double> TimeReadAudioIntoEditor(const QString& folder, int runs) {
         gEditForm->Unload();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
-    gMainForm->SetMousePointer(vbArrow);
-    gMainForm->Unload();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    bench::EndProgram();
     SetDiscDriveLocator({});
     SetMsgBoxResponder({});
     return times;

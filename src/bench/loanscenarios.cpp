@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 
+#include "bench/benchprogram.h"
 #include "loans/frmLend.h"
 #include "loans/lentoutfolder.h"
 #include "loans/loanstore.h"
@@ -20,25 +21,15 @@ namespace {
 const int kTitlesOut = 2000;
 const int kTitlesLentAtOnce = 500;
 
-void StartProgram(const QString& folder) {
-    App.Path = folder;
-    gSplashForm = nullptr;
-    gMainForm = new frmMain();
-    gMainForm->Form_Load();
-    if (!gMainForm) throw VbError(0, "the program did not start");
-}
+using bench::ElapsedMilliseconds;
+using bench::StartProgram;
 
+// The loans go with the program: the next scenario's catalogue has none.
 void EndProgram() {
     if (!gMainForm) return;
     gDatabase->Execute("DELETE FROM loan");
     gDatabase->Execute("DELETE FROM borrower");
-    gMainForm->SetMousePointer(vbArrow);
-    gMainForm->Unload();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-double ElapsedMilliseconds(const QElapsedTimer& timer) {
-    return timer.nsecsElapsed() / 1e6;
+    bench::EndProgram();
 }
 
 QList<long> TitleIds(int count) {

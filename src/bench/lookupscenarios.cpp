@@ -1,7 +1,5 @@
 #include "bench/lookupscenarios.h"
 
-#include "bench/discscenarios.h"
-
 #include <QApplication>
 #include <QComboBox>
 #include <QCoreApplication>
@@ -17,6 +15,7 @@
 #include <QTimer>
 
 #include "bench/benchboxes.h"
+#include "bench/benchprogram.h"
 #include "bench/discscenarios.h"
 #include "disc/audiodisc.h"
 #include "disc/lookupsettings.h"
@@ -85,15 +84,19 @@ class DatabaseServer : public QObject {
     QHash<QTcpSocket*, QByteArray> request_;
 };
 
-QByteArray OneRelease(const QString& discId) {
+QByteArray Tracks() {
     QByteArray tracks;
     for (int track = 1; track <= kTracks; ++track)
         tracks += (track > 1 ? "," : "") +
                   QString("{\"position\":%1,\"title\":\"Song %1\"}").arg(track).toUtf8();
+    return tracks;
+}
+
+QByteArray OneRelease(const QString& discId) {
     return "{\"releases\":[{\"id\":\"bench-release\",\"title\":\"Bench Album\",\"date\":\"2001\","
            "\"country\":\"GB\",\"artist-credit\":[{\"name\":\"Bench Artist\",\"joinphrase\":\"\"}],"
            "\"media\":[{\"position\":1,\"format\":\"CD\",\"discs\":[{\"id\":\"" +
-           discId.toLatin1() + "\"}],\"tracks\":[" + tracks + "]}]}]}";
+           discId.toLatin1() + "\"}],\"tracks\":[" + Tracks() + "]}]}]}";
 }
 
 // Counts the paints of a widget and keeps the longest gap between two.
@@ -116,6 +119,30 @@ class PaintGaps : public QObject {
     QElapsedTimer clock_;
 };
 
+// Presses Use on the look-up window the timed command opens, as soon as it shows its choice.
+void UseTheChoice(QTimer& confirm) {
+    QObject::connect(&confirm, &QTimer::timeout, [&confirm] {
+        auto* window = qobject_cast<frmLookup*>(QApplication::activeModalWidget());
+        if (!window) return;
+        confirm.stop();
+        auto use = [window] { window->cmdUse->click(); };
+        if (window->ChoiceIsShown())
+            use();
+        else
+            QObject::connect(window, &frmLookup::ChoiceShown, window, use);
+    });
+    confirm.start(0);
+}
+
+// The editor the run filled is checked and closed.
+void CloseFilledEditor(const BoxRecorder& boxes) {
+    if (!gEditForm->TracksListing() ||
+        !gEditForm->TracksListing()->Text().startsWith("Song 1\r\nSong 2"))
+        throw VbError(0, "the editor was not filled: " + boxes.prompts.join(" "));
+    gEditForm->Unload();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 }  // namespace
 
 std::vector<double> TimeLookupIntoEditor(const QString& folder, int runs) {
@@ -133,9 +160,7 @@ std::vector<double> TimeLookupIntoEditor(const QString& folder, int runs) {
     SetDiscDriveLocator([cue] { return cue; });
     // The offer of a look-up after reading is declined: the click on Look up is timed.
     BoxRecorder boxes(vbNo);
-    App.Path = folder;
-    gMainForm = new frmMain();
-    gMainForm->Form_Load();
+    bench::StartProgram(folder);
     std::vector<double> times;
     for (int run = 0; run < runs; ++run) {
         OpenNewAudioTitle();
@@ -143,30 +168,14 @@ std::vector<double> TimeLookupIntoEditor(const QString& folder, int runs) {
         // MusicBrainz allows one request a second; the wait is not the program's work.
         QThread::msleep(1100);
         QTimer confirm;
-        QObject::connect(&confirm, &QTimer::timeout, [&confirm] {
-            auto* window = qobject_cast<frmLookup*>(QApplication::activeModalWidget());
-            if (!window) return;
-            confirm.stop();
-            auto use = [window] { window->cmdUse->click(); };
-            if (window->ChoiceIsShown())
-                use();
-            else
-                QObject::connect(window, &frmLookup::ChoiceShown, window, use);
-        });
-        confirm.start(0);
+        UseTheChoice(confirm);
         QElapsedTimer clock;
         clock.start();
         gEditForm->cmdLookup_Click();
         times.push_back(clock.nsecsElapsed() / 1e6);
-        if (!gEditForm->TracksListing() ||
-            !gEditForm->TracksListing()->Text().startsWith("Song 1\r\nSong 2"))
-            throw VbError(0, "the editor was not filled: " + boxes.prompts.join(" "));
-        gEditForm->Unload();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        CloseFilledEditor(boxes);
     }
-    gMainForm->SetMousePointer(vbArrow);
-    gMainForm->Unload();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    bench::EndProgram();
     SetDiscDriveLocator({});
     qunsetenv("VELMORA_MUSICBRAINZ_SERVER");
     qunsetenv("VELMORA_GNUDB_SERVER");
@@ -174,10 +183,6 @@ std::vector<double> TimeLookupIntoEditor(const QString& folder, int runs) {
 }
 
 std::vector<double> TimeBarcodeIntoEditor(const QString& folder, int runs) {
-    QByteArray tracks;
-    for (int track = 1; track <= kTracks; ++track)
-        tracks += (track > 1 ? "," : "") +
-                  QString("{\"position\":%1,\"title\":\"Song %1\"}").arg(track).toUtf8();
     const QByteArray credit = "[{\"name\":\"Bench Artist\",\"joinphrase\":\"\"}]";
     DatabaseServer server;
     server.bodies = {{"query=barcode:",
@@ -186,14 +191,12 @@ std::vector<double> TimeBarcodeIntoEditor(const QString& folder, int runs) {
                           credit + ",\"media\":[{\"format\":\"CD\",\"track-count\":12}]}]}"},
                      {"/ws/2/release/bench-release",
                       "{\"id\":\"bench-release\",\"title\":\"Bench Album\",\"artist-credit\":" +
-                          credit + ",\"media\":[{\"position\":1,\"tracks\":[" + tracks + "]}]}"}};
+                          credit + ",\"media\":[{\"position\":1,\"tracks\":[" + Tracks() + "]}]}"}};
     qputenv("VELMORA_MUSICBRAINZ_SERVER", server.Url().toLatin1());
     // The cover asked for after Use finds none; it is not waited for.
     qputenv("VELMORA_COVERART_SERVER", server.Url().toLatin1());
     BoxRecorder boxes(vbOK);
-    App.Path = folder;
-    gMainForm = new frmMain();
-    gMainForm->Form_Load();
+    bench::StartProgram(folder);
     std::vector<double> times;
     for (int run = 0; run < runs; ++run) {
         OpenNewAudioTitle();
@@ -201,13 +204,7 @@ std::vector<double> TimeBarcodeIntoEditor(const QString& folder, int runs) {
         // MusicBrainz allows one request a second; the wait is not the program's work.
         QThread::msleep(1100);
         QTimer confirm;
-        QObject::connect(&confirm, &QTimer::timeout, [&confirm] {
-            auto* window = qobject_cast<frmLookup*>(QApplication::activeModalWidget());
-            if (!window || !window->ChoiceIsShown()) return;
-            confirm.stop();
-            window->cmdUse->click();
-        });
-        confirm.start(0);
+        UseTheChoice(confirm);
         server.arrivals.clear();
         QElapsedTimer clock;
         clock.start();
@@ -216,15 +213,9 @@ std::vector<double> TimeBarcodeIntoEditor(const QString& folder, int runs) {
         // The second request waits out the pace after the first: the server's time.
         if (server.arrivals.size() < 2) throw VbError(0, "the release's tracks were not asked");
         times.push_back(total - (server.arrivals[1] - server.arrivals[0]));
-        if (!gEditForm->TracksListing() ||
-            !gEditForm->TracksListing()->Text().startsWith("Song 1\r\nSong 2"))
-            throw VbError(0, "the editor was not filled: " + boxes.prompts.join(" "));
-        gEditForm->Unload();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        CloseFilledEditor(boxes);
     }
-    gMainForm->SetMousePointer(vbArrow);
-    gMainForm->Unload();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    bench::EndProgram();
     qunsetenv("VELMORA_MUSICBRAINZ_SERVER");
     qunsetenv("VELMORA_COVERART_SERVER");
     return times;

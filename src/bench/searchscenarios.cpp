@@ -5,6 +5,7 @@
 #include <QLineEdit>
 
 #include "bench/benchboxes.h"
+#include "bench/benchprogram.h"
 #include "search/frmFind.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
@@ -15,24 +16,9 @@
 
 namespace {
 
-void StartProgram(const QString& folder) {
-    App.Path = folder;
-    gSplashForm = nullptr;
-    gMainForm = new frmMain();
-    gMainForm->Form_Load();
-    if (!gMainForm) throw VbError(0, "the program did not start");
-}
-
-void EndProgram() {
-    if (!gMainForm) return;
-    gMainForm->SetMousePointer(vbArrow);
-    gMainForm->Unload();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-double ElapsedMilliseconds(const QElapsedTimer& timer) {
-    return timer.nsecsElapsed() / 1e6;
-}
+using bench::ElapsedMilliseconds;
+using bench::EndProgram;
+using bench::StartProgram;
 
 // Fills one box of the search window and presses its OK over the whole catalogue, as often as
 // asked; every run must list something.

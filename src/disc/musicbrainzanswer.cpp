@@ -7,20 +7,22 @@
 
 namespace {
 
-QString CreditText(const QJsonArray& credit) {
-    QString text;
-    for (const QJsonValue& name : credit)
-        text += name["name"].toString() + name["joinphrase"].toString();
-    return text;
-}
-
 bool CarriesDisc(const QJsonObject& medium, const QString& discId) {
     const QJsonArray discs = medium["discs"].toArray();
     return std::any_of(discs.begin(), discs.end(),
                        [&discId](const QJsonValue& disc) { return disc["id"] == discId; });
 }
 
-QStringList TrackTitles(const QJsonArray& tracks) {
+}  // namespace
+
+QString MusicBrainzCredit(const QJsonArray& credit) {
+    QString text;
+    for (const QJsonValue& name : credit)
+        text += name["name"].toString() + name["joinphrase"].toString();
+    return text;
+}
+
+QStringList MusicBrainzTrackTitles(const QJsonArray& tracks) {
     QList<QJsonObject> ordered;
     for (const QJsonValue& track : tracks) ordered << track.toObject();
     std::stable_sort(ordered.begin(), ordered.end(),
@@ -32,11 +34,8 @@ QStringList TrackTitles(const QJsonArray& tracks) {
     return titles;
 }
 
-}  // namespace
-
-bool ReadMusicBrainzAnswer(const QByteArray& json, const QString& discId, int audioTracks,
-                           QList<DiscMatch>& matches, QList<DiscMatch>& withoutTracks,
-                           QString& problem) {
+bool ReadMusicBrainzObject(const QByteArray& json, QJsonObject& object, QString& problem,
+                           const QString& notObject) {
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(json, &error);
     if (error.error != QJsonParseError::NoError) {
@@ -44,30 +43,52 @@ bool ReadMusicBrainzAnswer(const QByteArray& json, const QString& discId, int au
                   QString::number(error.offset) + ").";
         return false;
     }
-    if (!document.isObject() || !document["releases"].isArray()) {
-        problem = "the answer holds no list of releases.";
+    if (!document.isObject()) {
+        problem = notObject;
+        return false;
+    }
+    object = document.object();
+    return true;
+}
+
+DiscMatch MusicBrainzMatch(const QJsonObject& release, qsizetype n) {
+    const QJsonArray media = release["media"].toArray();
+    const QJsonObject medium = media[n].toObject();
+    DiscMatch match;
+    match.source = "MusicBrainz";
+    match.identifier = release["id"].toString();
+    match.artist = MusicBrainzCredit(release["artist-credit"].toArray());
+    match.title = release["title"].toString();
+    match.year = release["date"].toString().left(4);
+    match.country = release["country"].toString();
+    match.format = medium["format"].toString();
+    match.discNumber = medium["position"].toInt(static_cast<int>(n) + 1);
+    match.discCount = static_cast<int>(media.size());
+    return match;
+}
+
+bool ReadMusicBrainzAnswer(const QByteArray& json, const QString& discId, int audioTracks,
+                           QList<DiscMatch>& matches, QList<DiscMatch>& withoutTracks,
+                           QString& problem) {
+    QJsonObject document;
+    const QString noReleases = "the answer holds no list of releases.";
+    if (!ReadMusicBrainzObject(json, document, problem, noReleases)) return false;
+    if (!document["releases"].isArray()) {
+        problem = noReleases;
         return false;
     }
     QList<DiscMatch> found, trackless;
     for (const QJsonValue& releaseValue : document["releases"].toArray()) {
         const QJsonObject release = releaseValue.toObject();
         const QJsonArray media = release["media"].toArray();
-        for (const QJsonValue& mediumValue : media) {
-            const QJsonObject medium = mediumValue.toObject();
+        for (qsizetype n = 0; n < media.size(); ++n) {
+            const QJsonObject medium = media[n].toObject();
             const QJsonArray tracks = medium["tracks"].toArray();
             const bool carries = CarriesDisc(medium, discId);
             if (!carries && (tracks.isEmpty() || tracks.size() != audioTracks)) continue;
-            DiscMatch match;
-            match.source = "MusicBrainz";
-            match.identifier = release["id"].toString();
-            match.artist = CreditText(release["artist-credit"].toArray());
-            match.title = release["title"].toString();
-            match.year = release["date"].toString().left(4);
-            match.country = release["country"].toString();
-            match.format = medium["format"].toString();
+            DiscMatch match = MusicBrainzMatch(release, n);
             match.discNumber = medium["position"].toInt(1);
-            match.discCount = static_cast<int>(media.size());
-            match.tracks = TrackTitles(tracks);
+            match.tracks = MusicBrainzTrackTitles(tracks);
             match.discIdMatched = carries;
             (tracks.isEmpty() ? trackless : found) << match;
         }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QByteArray>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QList>
 #include <QString>
 
@@ -14,3 +16,14 @@
 bool ReadMusicBrainzAnswer(const QByteArray& json, const QString& discId, int audioTracks,
                            QList<DiscMatch>& matches, QList<DiscMatch>& withoutTracks,
                            QString& problem);
+
+// What every MusicBrainz answer shares. The JSON object an answer must be; false, with the
+// reason, when it is none (notObject when it is valid JSON but no object).
+bool ReadMusicBrainzObject(const QByteArray& json, QJsonObject& object, QString& problem,
+                           const QString& notObject = "the answer is no JSON object.");
+// The match of one medium of a release, the n-th (from 0) of its media; no tracks yet.
+DiscMatch MusicBrainzMatch(const QJsonObject& release, qsizetype n);
+// The artist credit as MusicBrainz writes it out: names and their join phrases.
+QString MusicBrainzCredit(const QJsonArray& credit);
+// The titles of a medium's tracks, in the order of their positions.
+QStringList MusicBrainzTrackTitles(const QJsonArray& tracks);

@@ -7,9 +7,12 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QTimer>
+#include <QTreeWidget>
 #include <memory>
 
 #include "editor/frmEdit.h"
+#include "editor/frmLookup.h"
 #include "editor/frmTracksListing.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
@@ -72,6 +75,39 @@ inline void ChooseTitleKind(frmEdit* form, const QString& platform, const QStrin
     ChooseText(form->Combo1[3], specific);
 }
 
+// Runs work on the next modal window of type Window once ready says it may.
+template <typename Window>
+void OnModal(
+    std::function<void(Window*)> work,
+    std::function<bool(Window*)> ready = [](Window*) { return true; }) {
+    auto* poll = new QTimer;
+    QObject::connect(poll, &QTimer::timeout, [poll, work, ready] {
+        auto* window = qobject_cast<Window*>(QApplication::activeModalWidget());
+        if (!window || !ready(window)) return;
+        poll->stop();
+        poll->deleteLater();
+        work(window);
+    });
+    poll->start(10);
+}
+
+// Runs work on the look-up window once it shows what it found.
+inline void OnLookupChoice(std::function<void(frmLookup*)> work) {
+    OnModal<frmLookup>(std::move(work), [](frmLookup* window) { return window->ChoiceIsShown(); });
+}
+
+// The look-up window's rows, each its first columns joined by ';'.
+inline QStringList MatchRows(const frmLookup* window, int columns) {
+    QStringList rows;
+    for (int row = 0; row < window->lstMatches->topLevelItemCount(); ++row) {
+        QStringList texts;
+        for (int column = 0; column < columns; ++column)
+            texts << window->lstMatches->topLevelItem(row)->text(column);
+        rows << texts.join(";");
+    }
+    return rows;
+}
+
 inline QStringList Texts(const QComboBox* combo) {
     QStringList texts;
     for (int row = 0; row < combo->count(); ++row) texts << combo->itemText(row);
@@ -131,6 +167,16 @@ inline long StoreTitle(const QString& values) {
         "label, iddevicetype, rating, created, modified, memo, listing) values (" +
         values + ")");
     return Scalar("select max(idcd) from title").toLongLong();
+}
+
+// An audio title stored straight, by name; with mbid, its MusicBrainz release too.
+inline long StoreAudioTitle(const QString& name, const QString& mbid = QString()) {
+    const long id = StoreTitle(
+        "'" + name + "', 1, 1, 1, 4, 10, 1, '', 1, 75, '2024-01-01', '2024-01-01', '', ''");
+    if (!mbid.isEmpty())
+        gDatabase->Execute("insert into titlerelease (idcd, mbid) values (" + QString::number(id) +
+                           ", '" + mbid + "')");
+    return id;
 }
 
 }  // namespace editortest

@@ -282,15 +282,18 @@ class frmEditTest : public QObject {
         // the title as it was, with its old tracks and count.
         form = OpenEditor(false, id);
         form->txtTitle->setText("Edges renamed");
-        QStringList lines;
-        for (int line = 0; line < 258; ++line) lines << QString("t%1").arg(line);
-        OnNextModal([lines](frmTracksListing* dialog) {
-            dialog->SetText(lines.join(kCrLf));
-            QTest::mouseClick(dialog->cmdOK, Qt::LeftButton);
-        });
-        QTest::mouseClick(form->cmdTracks, Qt::LeftButton);
-        QTest::mouseClick(form->cmdOK, Qt::LeftButton);
-        QCOMPARE(dialogs->takeBoxes(), Boxes({{"6: Overflow", vbCritical, "Velmora"}}));
+        auto saveTooManyTracks = [this](frmEdit* form) {
+            QStringList lines;
+            for (int line = 0; line < 258; ++line) lines << QString("t%1").arg(line);
+            OnNextModal([lines](frmTracksListing* dialog) {
+                dialog->SetText(lines.join(kCrLf));
+                QTest::mouseClick(dialog->cmdOK, Qt::LeftButton);
+            });
+            QTest::mouseClick(form->cmdTracks, Qt::LeftButton);
+            QTest::mouseClick(form->cmdOK, Qt::LeftButton);
+            QCOMPARE(dialogs->takeBoxes(), Boxes({{"6: Overflow", vbCritical, "Velmora"}}));
+        };
+        saveTooManyTracks(form);
         QVERIFY(form && form->isVisible());
         QCOMPARE(form->txtTitle->text(), QString("Edges renamed"));
         QCOMPARE(StoredTracks(id), QStringList({"0:a", "1:b"}));
@@ -309,13 +312,7 @@ class frmEditTest : public QObject {
         const long titles = TitleCount();
         form = OpenEditor(true);
         FillAudioTitle(form, "Too many");
-        OnNextModal([lines](frmTracksListing* dialog) {
-            dialog->SetText(lines.join(kCrLf));
-            QTest::mouseClick(dialog->cmdOK, Qt::LeftButton);
-        });
-        QTest::mouseClick(form->cmdTracks, Qt::LeftButton);
-        QTest::mouseClick(form->cmdOK, Qt::LeftButton);
-        QCOMPARE(dialogs->takeBoxes(), Boxes({{"6: Overflow", vbCritical, "Velmora"}}));
+        saveTooManyTracks(form);
         QCOMPARE(TitleCount(), titles);
         QCOMPARE(RowCount("Tracks where TrackName = 't0'"), 0L);
         TypeTracks(form, {"x"});

@@ -41,22 +41,21 @@ const MsgBoxCall kLookupOffer{
     "MusicBrainz and gnudb?",
     vbYesNo + vbQuestion, "Read disc"};
 
-// Runs work on the look-up window once it shows what it found.
-void OnLookupChoice(std::function<void(frmLookup*)> work) {
-    auto* poll = new QTimer;
-    QObject::connect(poll, &QTimer::timeout, [poll, work] {
-        auto* window = qobject_cast<frmLookup*>(QApplication::activeModalWidget());
-        if (!window || !window->ChoiceIsShown()) return;
-        poll->deleteLater();
-        poll->stop();
-        work(window);
-    });
-    poll->start(10);
-}
-
 void PointLookupAt(const QString& server) {
     qputenv("VELMORA_MUSICBRAINZ_SERVER", server.toLatin1());
     qputenv("VELMORA_GNUDB_SERVER", server.toLatin1());
+}
+
+// The online identity of the three-track disc that PlainCue reads.
+OnlineDiscIds PlainDiscIds() {
+    OnlineDiscIds ids;
+    QString problem;
+    ComputeOnlineDiscIds(lookupanswers::ThreeTracks(), ids, problem);
+    return ids;
+}
+
+QString PlainCue(const QString& folder) {
+    return MakeCue(folder, "plain", "", "", {{"00:00:00", ""}, {"03:00:00", ""}, {"05:30:00", ""}});
 }
 
 }  // namespace
@@ -158,9 +157,7 @@ class ReadDiscTest : public QObject {
         using namespace lookupanswers;
         lookupserver::LookupServer server;
         PointLookupAt(server.url());
-        OnlineDiscIds ids;
-        QString problem;
-        QVERIFY(ComputeOnlineDiscIds(ThreeTracks(), ids, problem));
+        const OnlineDiscIds ids = PlainDiscIds();
         const QByteArray id = ids.musicBrainzId.toLatin1();
         server.answer("/ws/2/discid/" + id,
                       lookupserver::Body(Releases({Release(
@@ -174,8 +171,6 @@ class ReadDiscTest : public QObject {
             lookupserver::Body(Cddb({"210 jazz " + ids.freedbId.toLatin1(),
                                      "DTITLE=Ann Tanner / Blue Hours (CDDB)", "TTITLE0=Morn",
                                      "TTITLE1=It's noon", "TTITLE2=Night", "."})));
-        const QString cue = MakeCue(images->path(), "plain", "", "",
-                                    {{"00:00:00", ""}, {"03:00:00", ""}, {"05:30:00", ""}});
 
         SelectNode("root");
         QPointer<frmEdit> form = OpenEditor(true);
@@ -184,12 +179,7 @@ class ReadDiscTest : public QObject {
         form->Memo->setPlainText("Bought in Leeds");
         QStringList shown;
         OnLookupChoice([&shown](frmLookup* window) {
-            for (int row = 0; row < window->lstMatches->topLevelItemCount(); ++row) {
-                QStringList columns;
-                for (int column = 0; column < 8; ++column)
-                    columns << window->lstMatches->topLevelItem(row)->text(column);
-                shown << columns.join(";");
-            }
+            shown = MatchRows(window, 8);
             // The disc ID's own match is preselected; the user takes the other.
             QCOMPARE(window->lstMatches->currentIndex().row(), 0);
             window->lstMatches->setCurrentItem(window->lstMatches->topLevelItem(1));
@@ -198,7 +188,7 @@ class ReadDiscTest : public QObject {
         });
         dialogs->answerMsgBox(vbYes);
         dialogs->answerMsgBox(vbYes);
-        Choose(cue);
+        Choose(PlainCue(images->path()));
         form->cmdReadDisc_Click();
         QCOMPARE(
             dialogs->takeBoxes(),
@@ -227,9 +217,7 @@ class ReadDiscTest : public QObject {
         using namespace lookupanswers;
         lookupserver::LookupServer server;
         PointLookupAt(server.url());
-        OnlineDiscIds ids;
-        QString problem;
-        QVERIFY(ComputeOnlineDiscIds(ThreeTracks(), ids, problem));
+        const OnlineDiscIds ids = PlainDiscIds();
         const QByteArray id = ids.musicBrainzId.toLatin1();
         server.answer(
             "/ws/2/discid/" + id,
@@ -247,8 +235,7 @@ class ReadDiscTest : public QObject {
         dialogs->answerMsgBox(vbYes);
         dialogs->answerMsgBox(vbYes);
         dialogs->answerMsgBox(vbYes);
-        Choose(MakeCue(images->path(), "plain", "", "",
-                       {{"00:00:00", ""}, {"03:00:00", ""}, {"05:30:00", ""}}));
+        Choose(PlainCue(images->path()));
         form->cmdReadDisc_Click();
         SetDocumentOpener({});
         qunsetenv("VELMORA_MUSICBRAINZ_SERVER");
@@ -266,9 +253,7 @@ class ReadDiscTest : public QObject {
     }
 
     void cataloguedDiscOffersItsTitle() {
-        const long stored = StoreTitle(
-            "'Blue Hours (first copy)', 1, 1, 1, 4, 10, 1, '', 1, 75, '2024-01-01', "
-            "'2024-01-01', '', ''");
+        const long stored = StoreAudioTitle("Blue Hours (first copy)");
         gDatabase->Execute("update title set TitleID = " + QString::number(kBlueHoursId) +
                            " where idcd = " + QString::number(stored));
         const QString cue = BlueHoursCue(images->path());
@@ -309,10 +294,8 @@ class ReadDiscTest : public QObject {
     }
 
     void selectsTheCataloguedTitle() {
-        StoreTitle("'Other', 1, 1, 1, 4, 10, 1, '', 1, 75, '2024-01-01', '2024-01-01', '', ''");
-        const long stored = StoreTitle(
-            "'Blue Hours', 1, 1, 1, 4, 10, 1, '', 1, 75, '2024-01-01', '2024-01-01', "
-            "'', ''");
+        StoreAudioTitle("Other");
+        const long stored = StoreAudioTitle("Blue Hours");
         gDatabase->Execute("update title set TitleID = 533504 where idcd = " +
                            QString::number(stored));
         const QString cue = MakeCue(images->path(), "blue", "Blue Hours", "",

@@ -218,8 +218,8 @@ void RunOperation(const QString& name, const QString& folder, ScriptedDialogs& d
     } else if (name == "download") {
         GuardedDialog<frmDownload> download(gMainForm);
         bool succeeded = false;
-        download->DownloadFile(qEnvironmentVariable("VELMORA_FAULT_URL"), folder + "/update.bin",
-                               QString(), QString(), false, succeeded);
+        download->DownloadFile(qEnvironmentVariable("VELMORA_FAULT_URL") + "/update.bin",
+                               folder + "/update.bin", QString(), QString(), false, succeeded);
         Say(QString("DOWNLOADED ") + (succeeded ? "1" : "0"));
     }
 }
@@ -322,21 +322,21 @@ struct ChildRun {
     qint64 steps() const { return lines("STEPS ").value(0).toLongLong(); }
 };
 
-// A server that sends the download's body in small pieces, so that the download reports many
-// steps.
-class DripServer : public QTcpServer {
+// Answers every request with body, sent in pieces of piece bytes: the download's server sends
+// small ones, so that the download reports many steps.
+class BodyServer : public QTcpServer {
   public:
-    DripServer() {
+    BodyServer(const QByteArray& body, qsizetype piece) {
         listen(QHostAddress::LocalHost);
-        connect(this, &QTcpServer::newConnection, this, [this] {
+        connect(this, &QTcpServer::newConnection, this, [this, body, piece] {
             while (QTcpSocket* socket = nextPendingConnection()) {
-                connect(socket, &QTcpSocket::readyRead, socket, [socket] {
+                connect(socket, &QTcpSocket::readyRead, socket, [socket, body, piece] {
                     if (!socket->readAll().contains("\r\n\r\n")) return;
-                    socket->write("HTTP/1.1 200 OK\r\nContent-Length: " +
-                                  QByteArray::number(kDownloadBody.size()) +
-                                  "\r\nConnection: close\r\n\r\n");
-                    for (qsizetype at = 0; at < kDownloadBody.size(); at += 4096) {
-                        socket->write(kDownloadBody.mid(at, 4096));
+                    socket->write(
+                        "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(body.size()) +
+                        "\r\nConnection: close\r\n\r\n");
+                    for (qsizetype at = 0; at < body.size(); at += piece) {
+                        socket->write(body.mid(at, piece));
                         socket->flush();
                     }
                     socket->disconnectFromHost();
@@ -345,7 +345,7 @@ class DripServer : public QTcpServer {
             }
         });
     }
-    QString url() const { return QString("http://127.0.0.1:%1/update.bin").arg(serverPort()); }
+    QString url() const { return QString("http://127.0.0.1:%1").arg(serverPort()); }
 };
 
 ChildRun Run(const QString& operation, const QString& folder, Cut cut, qint64 step,
@@ -391,27 +391,6 @@ void CopyFolder(const QString& from, const QString& to) {
             QFile::copy(entry.filePath(), to + "/" + entry.fileName());
     }
 }
-
-// Answers every request with the fetched cover.
-class CoverServer : public QTcpServer {
-  public:
-    CoverServer() {
-        listen(QHostAddress::LocalHost);
-        connect(this, &QTcpServer::newConnection, this, [this] {
-            while (QTcpSocket* socket = nextPendingConnection()) {
-                connect(socket, &QTcpSocket::readyRead, socket, [socket] {
-                    if (!socket->readAll().contains("\r\n\r\n")) return;
-                    socket->write("HTTP/1.1 200 OK\r\nContent-Length: " +
-                                  QByteArray::number(FetchedCover().size()) +
-                                  "\r\nConnection: close\r\n\r\n" + FetchedCover());
-                    socket->disconnectFromHost();
-                });
-                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-            }
-        });
-    }
-    QString url() const { return QString("http://127.0.0.1:%1").arg(serverPort()); }
-};
 
 // What a look into the closed catalogue finds.
 struct CatalogueState {
@@ -520,8 +499,8 @@ class FaultInjectionTest : public QObject {
     QTemporaryDir work;
     QString base;
     long baseTitles = 0;
-    DripServer server;
-    CoverServer coverServer;
+    BodyServer server{kDownloadBody, 4096};
+    BodyServer coverServer{FetchedCover(), FetchedCover().size()};
     int pointsPerKind = qMax(1, qEnvironmentVariableIntValue("VELMORA_FAULT_POINTS"));
     int cuts = 0;
     QString failedCaseKept;

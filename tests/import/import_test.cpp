@@ -87,6 +87,16 @@ class ImportTest : public QObject {
         return ini;
     }
 
+    // The Deluxe CD player's database in the Wine prefix, where its ODBC entry says it is.
+    void InstallDeluxeDatabase() {
+        QVERIFY(QDir().mkpath(prefix->path() + "/drive_c/Program Files/Plus!"));
+        QVERIFY(QFile::copy(FixturePath("deluxe/cd_pk.mdb"),
+                            prefix->path() + "/drive_c/Program Files/Plus!/DeluxeCD.mdb"));
+        WriteBytes(prefix->path() + "/user.reg",
+                   "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
+                   "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
+    }
+
   private slots:
     void init() {
         prefix = std::make_unique<QTemporaryDir>();
@@ -232,44 +242,39 @@ class ImportTest : public QObject {
             QCOMPARE(RowCount("title") - before, 1L);
         }
 
+        // Runs one import on a window of its own with the catalogue refusing every change from
+        // step on; check gets the window and the titles the import added.
+        auto lockedAt = [](qint64 step, auto import, auto check) {
+            const long start = RowCount("title");
+            const CatalogueLockedAtStep locked(step);
+            frmImport window;
+            window.Form_Load();
+            ChooseDefaults(window);
+            (window.*import)();
+            check(window, RowCount("title") - start);
+        };
+
         // The catalogue refuses every change from the second disc on: one box, and the counts
         // match what is in it.
         const QString stoppedIni = "The import from " + ini + " stopped.\r\n" + kReadOnly;
         WriteBytes(ini,
                    "[D4]\r\nartist=Four\r\ntitle=Four\r\n[E5]\r\nartist=Five\r\n"
                    "title=Five\r\n[F6]\r\nartist=Six\r\ntitle=Six\r\n");
-        {
-            const long start = RowCount("title");
-            const CatalogueLockedAtStep locked(2);
-            frmImport window;
-            window.Form_Load();
-            ChooseDefaults(window);
-            window.ImportCdPlayerIni();
+        lockedAt(2, &frmImport::ImportCdPlayerIni, [&](frmImport& window, long added) {
             QCOMPARE(dialogs.takeBoxes(), Boxes({{stoppedIni, vbCritical, kIniSource}}));
             QCOMPARE(window.IniTried, 2);
-            QCOMPARE(long(window.IniTried - window.IniDuplicates), RowCount("title") - start);
-        }
+            QCOMPARE(long(window.IniTried - window.IniDuplicates), added);
+        });
 
-        QVERIFY(QDir().mkpath(prefix->path() + "/drive_c/Program Files/Plus!"));
-        QVERIFY(QFile::copy(FixturePath("deluxe/cd_pk.mdb"),
-                            prefix->path() + "/drive_c/Program Files/Plus!/DeluxeCD.mdb"));
-        WriteBytes(prefix->path() + "/user.reg",
-                   "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
-                   "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
-        {
-            const long start = RowCount("title");
-            const CatalogueLockedAtStep locked(3);
-            frmImport window;
-            window.Form_Load();
-            ChooseDefaults(window);
-            window.ImportDeluxeDatabase();
+        InstallDeluxeDatabase();
+        lockedAt(3, &frmImport::ImportDeluxeDatabase, [&](frmImport& window, long added) {
             const Boxes boxes = dialogs.takeBoxes();
             QCOMPARE(boxes.size(), 1);
             QCOMPARE(boxes[0].prompt,
                      "The import from " + window.DeluxePath + " stopped.\r\n" + kReadOnly);
             QCOMPARE(window.DeluxeTried, 3);
-            QCOMPARE(long(window.DeluxeTried - window.DeluxeDuplicates), RowCount("title") - start);
-        }
+            QCOMPARE(long(window.DeluxeTried - window.DeluxeDuplicates), added);
+        });
 
         // Every line names a vendor of its own; "Warn me" is off.
         const QString path = folder->file("vendors.txt");
@@ -390,12 +395,7 @@ class ImportTest : public QObject {
 
     void deluxeDatabaseIsFoundAndRead() {
         ScriptedDialogs dialogs;
-        QVERIFY(QDir().mkpath(prefix->path() + "/drive_c/Program Files/Plus!"));
-        QVERIFY(QFile::copy(FixturePath("deluxe/cd_pk.mdb"),
-                            prefix->path() + "/drive_c/Program Files/Plus!/DeluxeCD.mdb"));
-        WriteBytes(prefix->path() + "/user.reg",
-                   "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
-                   "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
+        InstallDeluxeDatabase();
         ProgressLog progress;
         frmImport window;
         window.Form_Load();
