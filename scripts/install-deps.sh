@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(build-essential cmake pkg-config qt6-base-dev qt6-qpa-plugins qt6-image-formats-plugins
           libsqlite3-dev mdbtools-dev
           xvfb xauth fonts-dejavu-core clang libclang-rt-14-dev mdbtools
-          libcdio-dev libiso9660-dev libdiscid-dev xorriso chromium)
+          libcdio-dev libiso9660-dev libdiscid-dev xorriso chromium libical-dev)
 if [ "${1:-}" = "deb" ]; then
     packages+=(dpkg-dev lintian desktop-file-utils appstream)
 fi

@@ -1,5 +1,5 @@
 // The loans on their way out: the calendar of due dates, read back by a parser of RFC 5545 of
-// our own, and the HTML page's "lent to" lines.
+// our own and by libical where it is installed, and the HTML page's "lent to" lines.
 
 #include <QCheckBox>
 #include <QRadioButton>
@@ -10,6 +10,10 @@
 #include "loans/loanstore.h"
 #include "shell/frmMain.h"
 #include "toolkit/guardeddialog.h"
+
+#ifdef VELMORA_HAVE_LIBICAL
+#include <libical/ical.h>
+#endif
 
 namespace {
 
@@ -128,6 +132,22 @@ class LoanExportTest : public QObject {
         QVERIFY(events[0]["UID"] != events[1]["UID"] && events[1].contains("DTSTAMP"));
         // Our reader undoes any escape: what must be escaped is checked on its own.
         QCOMPARE(loans::CalendarText("a,b;c\\d\r\ne"), QString("a\\,b\\;c\\\\d\\ne"));
+
+#ifdef VELMORA_HAVE_LIBICAL
+        // A reader that is not ours: the calendar a desktop calendar would see.
+        icalcomponent* calendar = icalparser_parse_string(octets.constData());
+        QVERIFY(calendar);
+        QCOMPARE(icalcomponent_count_errors(calendar), 0);
+        QCOMPARE(icalcomponent_count_components(calendar, ICAL_VEVENT_COMPONENT), 2);
+        icalcomponent* first = icalcomponent_get_first_component(calendar, ICAL_VEVENT_COMPONENT);
+        const icaltimetype start = icalcomponent_get_dtstart(first);
+        QVERIFY(start.is_date);
+        QCOMPARE(QDate(start.year, start.month, start.day), today.addDays(3));
+        icalcomponent* second = icalcomponent_get_next_component(calendar, ICAL_VEVENT_COMPONENT);
+        QCOMPARE(QString::fromUtf8(icalcomponent_get_description(second)),
+                 events[1]["DESCRIPTION"]);
+        icalcomponent_free(calendar);
+#endif
     }
 
     void htmlPageSaysWhoHasATitle() {
