@@ -271,6 +271,17 @@ class ControlsTest : public QObject {
 
     void framesOfDifferentSizesAndTablesAreCutAndDrawn() {
         ScriptedDialogs dialogs;
+        // Frame files the control leaves behind are looked for in a temporary folder of this
+        // run's own: other programs' GIF controls use the shared one at the same time.
+        QTemporaryDir temp;
+        const QByteArray sharedTemp = qgetenv("TMPDIR");
+        qputenv("TMPDIR", QFile::encodeName(temp.path()));
+        const auto restoreTemp = qScopeGuard([&sharedTemp] {
+            if (sharedTemp.isEmpty())
+                qunsetenv("TMPDIR");
+            else
+                qputenv("TMPDIR", sharedTemp);
+        });
         TestGifFrame first = Filled(0, 0, 4, 3, 1);
         first.delay = 7;
         TestGifFrame wide = Filled(2, 1, 40, 2, 2);
