@@ -18,8 +18,8 @@
 #include "store/catalogue.h"
 #include "store/shelfrecords.h"
 #include "store/shelftables.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -18,9 +18,9 @@
 #include "editor/frmTracksListing.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobals.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -13,8 +13,8 @@
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

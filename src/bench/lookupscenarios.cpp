@@ -25,8 +25,8 @@
 #include "editor/frmTracksListing.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobals.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

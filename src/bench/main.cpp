@@ -29,9 +29,9 @@
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
 #include "shell/submain.h"
-#include "toolkit/resources.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/resources.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -20,12 +20,12 @@
 #include "shell/mGlobals.h"
 #include "shell/mainwindow.h"
 #include "store/fieldsizes.h"
-#include "toolkit/ctlGoldButton.h"
-#include "toolkit/keyupguard.h"
-#include "toolkit/longwork.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/controls/ctlGoldButton.h"
+#include "toolkit/vb/keyupguard.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
+#include "toolkit/vb/vbstrings.h"
 
 frmEdit* gEditForm = nullptr;
 

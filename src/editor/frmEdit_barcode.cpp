@@ -12,9 +12,9 @@
 #include "editor/frmLookup.h"
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
-#include "toolkit/ctlGoldButton.h"
-#include "toolkit/longwork.h"
-#include "toolkit/msgbox.h"
+#include "toolkit/controls/ctlGoldButton.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
 
 namespace {
 

@@ -18,8 +18,8 @@
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -13,8 +13,8 @@
 #include "shell/mainwindow.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
-#include "toolkit/vbruntime.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/vb/vbruntime.h"
+#include "toolkit/vb/vbstrings.h"
 
 namespace {
 

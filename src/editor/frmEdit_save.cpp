@@ -16,9 +16,9 @@
 #include "shell/mainwindow.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
+#include "toolkit/vb/vbstrings.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "store/dao.h"
-#include "toolkit/vberror.h"
+#include "toolkit/vb/vberror.h"
 
 namespace {
 

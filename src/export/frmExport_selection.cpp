@@ -8,7 +8,7 @@
 #include "shell/mGlobals.h"
 #include "shell/mainwindow.h"
 #include "store/dao.h"
-#include "toolkit/msgbox.h"
+#include "toolkit/vb/msgbox.h"
 
 namespace {
 

@@ -10,12 +10,12 @@
 #include "shell/mGlobals.h"
 #include "shell/mainwindow.h"
 #include "store/catalogue.h"
-#include "toolkit/guardeddialog.h"
-#include "toolkit/keyupguard.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mUtility.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/platform/mUtility.h"
+#include "toolkit/vb/guardeddialog.h"
+#include "toolkit/vb/keyupguard.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

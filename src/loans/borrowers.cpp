@@ -2,8 +2,8 @@
 
 #include "lookups/lookupoperations.h"
 #include "store/catalogue.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbstrings.h"
 
 namespace {
 

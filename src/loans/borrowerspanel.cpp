@@ -11,8 +11,8 @@
 #include "lookups/lookupoperations.h"
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
-#include "toolkit/imagelists.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/imagelists.h"
+#include "toolkit/vb/vbruntime.h"
 
 BorrowersPanel::BorrowersPanel(QWidget* parent) : QWidget(parent) {
     lstBorrower = new QListWidget(this);

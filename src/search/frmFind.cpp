@@ -18,11 +18,11 @@
 #include "shell/mGlobals.h"
 #include "shell/mainwindow.h"
 #include "store/dao.h"
-#include "toolkit/keyupguard.h"
-#include "toolkit/longwork.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/vb/keyupguard.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
+#include "toolkit/vb/vbstrings.h"
 
 frmFind* gFindForm = nullptr;
 

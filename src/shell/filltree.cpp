@@ -7,8 +7,8 @@
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
 #include "store/dao.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -18,10 +18,10 @@
 #include "store/guardedfile.h"
 #include "store/jettextcolumns.h"
 #include "store/shelftables.h"
-#include "toolkit/cVSplitter.h"
-#include "toolkit/imagelists.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/cVSplitter.h"
+#include "toolkit/controls/imagelists.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 frmMain* gMainForm = nullptr;
 

@@ -13,7 +13,7 @@
 #include <optional>
 
 #include "shell/mainwindow.h"
-#include "toolkit/longwork.h"
+#include "toolkit/vb/longwork.h"
 
 class HelpCallBack;
 class SingleInstance;

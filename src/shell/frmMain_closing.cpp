@@ -11,10 +11,10 @@
 #include "store/catalogue.h"
 #include "store/frmPerformAction.h"
 #include "store/guardedfile.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mCoolMenu.h"
-#include "toolkit/mRegistry.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/mCoolMenu.h"
+#include "toolkit/platform/mRegistry.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 
 #include "shell/frmMain.h"
 #include "shell/mGlobals.h"
-#include "toolkit/keyupguard.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/keyupguard.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include "shell/frmMain.h"
 #include "shell/mGlobals.h"
 #include "shell/titlelistmodel.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

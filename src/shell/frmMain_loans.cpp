@@ -8,7 +8,7 @@
 #include "shell/mGlobals.h"
 #include "shell/readrecords.h"
 #include "store/catalogue.h"
-#include "toolkit/msgbox.h"
+#include "toolkit/vb/msgbox.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
 #include "shell/mGlobals.h"
-#include "toolkit/imagelists.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/imagelists.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -8,12 +8,12 @@
 #include "search/frmFind.h"
 #include "shell/frmMain.h"
 #include "store/guardedfile.h"
-#include "toolkit/guardeddialog.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mHelp.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/mHelp.h"
+#include "toolkit/vb/guardeddialog.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 #include "update/frmDownload.h"
 
 void frmMain::ShowEditor() {

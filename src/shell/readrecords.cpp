@@ -16,8 +16,8 @@
 #include "shell/mGlobals.h"
 #include "shell/titlelistmodel.h"
 #include "store/catalogue.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 ListReadState gListReadState;
 

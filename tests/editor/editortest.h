@@ -20,7 +20,7 @@
 #include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace editortest {
 

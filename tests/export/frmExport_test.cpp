@@ -9,8 +9,8 @@
 #include "lookups/viewqueries.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobals.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mUtility.h"
+#include "toolkit/platform/mUtility.h"
+#include "toolkit/vb/longwork.h"
 
 using namespace exporttest;
 

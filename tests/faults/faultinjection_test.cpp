@@ -36,10 +36,10 @@
 #include "store/jettext.h"
 #include "store/shelftables.h"
 #include "support/testsupport.h"
-#include "toolkit/guardeddialog.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mUtility.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/platform/mUtility.h"
+#include "toolkit/vb/guardeddialog.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/vbruntime.h"
 #include "update/frmDownload.h"
 
 namespace {

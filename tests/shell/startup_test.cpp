@@ -15,7 +15,7 @@
 #include "store/guardedfile.h"
 #include "store/jettext.h"
 #include "support/testsupport.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

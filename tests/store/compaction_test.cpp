@@ -9,7 +9,7 @@
 #include "store/catalogue.h"
 #include "store/guardedfile.h"
 #include "support/testsupport.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 
