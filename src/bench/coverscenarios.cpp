@@ -10,10 +10,10 @@
 #include <QTemporaryDir>
 #include <QTextDocument>
 
+#include "app/mGlobals.h"
 #include "bench/syntheticcatalogue.h"
 #include "disc/coverimage.h"
 #include "shell/frmMain.h"
-#include "shell/mGlobals.h"
 #include "shell/titlelistmodel.h"
 #include "store/catalogue.h"
 #include "store/shelfrecords.h"

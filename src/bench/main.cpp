@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 
+#include "app/mGlobals.h"
 #include "bench/coverscenarios.h"
 #include "bench/deluxescenarios.h"
 #include "bench/discscenarios.h"
@@ -27,7 +28,6 @@
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "shell/submain.h"
 #include "toolkit/controls/resources.h"
 #include "toolkit/vb/vberror.h"

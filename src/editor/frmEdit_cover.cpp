@@ -12,13 +12,13 @@
 #include <QMenu>
 #include <QVBoxLayout>
 
+#include "app/mGlobals.h"
 #include "disc/coverartarchive.h"
 #include "disc/coverimage.h"
 #include "disc/discmatch.h"
 #include "disc/lookupsettings.h"
 #include "editor/coverbox.h"
 #include "editor/frmEdit.h"
-#include "shell/mGlobals.h"
 #include "toolkit/controls/ctlGoldButton.h"
 #include "toolkit/vb/GCommonDialog.h"
 #include "toolkit/vb/cCommonDialog.h"

@@ -5,13 +5,13 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
+#include "app/mGlobals.h"
 #include "disc/discmatch.h"
 #include "disc/lookupsettings.h"
 #include "disc/onlinediscids.h"
 #include "editor/frmEdit.h"
 #include "editor/frmLookup.h"
 #include "editor/frmTracksListing.h"
-#include "shell/mGlobals.h"
 #include "store/fieldsizes.h"
 #include "toolkit/controls/ctlGoldButton.h"
 #include "toolkit/platform/mUtility.h"

@@ -5,8 +5,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/mGlobals.h"
 #include "editor/frmEdit.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "toolkit/vb/vbruntime.h"
 

@@ -1,6 +1,6 @@
 #include "export/exportsupport.h"
 
-#include "shell/mGlobals.h"
+#include "app/mGlobals.h"
 #include "store/catalogue.h"
 #include "store/dao.h"
 #include "toolkit/vb/vberror.h"

@@ -10,7 +10,7 @@
 #include <QTabBar>
 #include <QVBoxLayout>
 
-#include "shell/mGlobals.h"
+#include "app/mGlobals.h"
 #include "store/dao.h"
 #include "toolkit/platform/mUtility.h"
 #include "toolkit/vb/GCommonDialog.h"

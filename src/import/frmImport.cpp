@@ -6,9 +6,8 @@
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
-#include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
-#include "shell/mainwindow.h"
+#include "app/mGlobals.h"
+#include "app/mainwindow.h"
 #include "store/catalogue.h"
 #include "toolkit/platform/mUtility.h"
 #include "toolkit/vb/guardeddialog.h"
@@ -269,10 +268,10 @@ void frmImport::cmdOK_Click() {
     }
     const qint64 added =
         qint64(IniTried) + DeluxeTried - IniDuplicates - DeluxeDuplicates + TabTried - TabFailed;
-    if (added > 0 && TheMainWindow()) {
+    if (MainWindow* main = TheMainWindow(); added > 0 && main) {
         gTreeDirty = true;
         gListDirty = true;
-        RefreshIfDirty();
+        main->RefreshIfDirty();
     }
     accept();
 }

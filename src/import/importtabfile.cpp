@@ -4,10 +4,10 @@
 #include <QFile>
 #include <algorithm>
 
+#include "app/mGlobals.h"
 #include "import/frmImport.h"
 #include "import/importvalues.h"
 #include "import/tablookups.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "toolkit/platform/textencoding.h"
 #include "toolkit/vb/cCommonDialog.h"

@@ -1,6 +1,6 @@
 #include "loans/borrowers.h"
 
-#include "lookups/lookupoperations.h"
+#include "app/lookupresult.h"
 #include "store/catalogue.h"
 #include "toolkit/vb/msgbox.h"
 #include "toolkit/vb/vbstrings.h"

@@ -7,9 +7,9 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "app/lookupresult.h"
+#include "app/mGlobals.h"
 #include "loans/borrowers.h"
-#include "lookups/lookupoperations.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "toolkit/controls/imagelists.h"
 #include "toolkit/vb/vbruntime.h"

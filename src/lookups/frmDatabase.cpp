@@ -12,10 +12,10 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "app/mGlobals.h"
+#include "app/mainwindow.h"
 #include "loans/borrowerspanel.h"
 #include "lookups/lookupoperations.h"
-#include "shell/mGlobals.h"
-#include "shell/mainwindow.h"
 #include "store/catalogue.h"
 #include "store/frmPerformAction.h"
 #include "toolkit/controls/imagelists.h"

@@ -1,7 +1,7 @@
 #include "lookups/lookupengine.h"
 
+#include "app/mGlobals.h"
 #include "lookups/lookupoperations.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "toolkit/vb/msgbox.h"
 #include "toolkit/vb/vberror.h"

@@ -11,12 +11,11 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "app/mGlobals.h"
+#include "app/mainwindow.h"
 #include "loans/lentoutfolder.h"
 #include "loans/loansearch.h"
 #include "lookups/viewqueries.h"
-#include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
-#include "shell/mainwindow.h"
 #include "store/dao.h"
 #include "toolkit/vb/keyupguard.h"
 #include "toolkit/vb/longwork.h"
@@ -267,7 +266,8 @@ void frmFind::cmdSearch_Click() {
     AddRange(2, 3);
 
     gSearchSQL = gViewSQL;
-    ForceSelectNode(TheMainWindow()->NodeCount());
+    MainWindow* main = TheMainWindow();
+    main->ForceSelectNode(main->NodeCount());
 }
 
 void frmFind::AddRange(int first, int second) {

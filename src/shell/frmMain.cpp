@@ -5,10 +5,10 @@
 #include <QHeaderView>
 #include <QScreen>
 
+#include "app/mGlobals.h"
 #include "loans/loanstore.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "shell/progressstatus.h"
 #include "shell/readrecords.h"
 #include "shell/singleinstance.h"
@@ -27,14 +27,6 @@ frmMain* gMainForm = nullptr;
 
 MainWindow* TheMainWindow() {
     return gMainForm;
-}
-
-QString SelectedFolderKey() {
-    return gMainForm ? gMainForm->SelectedNodeKey() : QString();
-}
-
-QString ParentFolderKey(const QString& key) {
-    return gMainForm && !key.isEmpty() ? gMainForm->ParentNodeKey(key) : QString();
 }
 
 namespace {

@@ -4,9 +4,9 @@
 #include <QCloseEvent>
 #include <QPointer>
 
+#include "app/mGlobals.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
-#include "shell/mGlobals.h"
 #include "shell/singleinstance.h"
 #include "store/catalogue.h"
 #include "store/frmPerformAction.h"

@@ -4,8 +4,8 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 
+#include "app/mGlobals.h"
 #include "shell/frmMain.h"
-#include "shell/mGlobals.h"
 #include "toolkit/vb/keyupguard.h"
 #include "toolkit/vb/vbruntime.h"
 

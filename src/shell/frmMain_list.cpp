@@ -7,9 +7,9 @@
 #include <QScopedValueRollback>
 #include <QStyledItemDelegate>
 
+#include "app/mGlobals.h"
 #include "loans/lentoutfolder.h"
 #include "shell/frmMain.h"
-#include "shell/mGlobals.h"
 #include "shell/titlelistmodel.h"
 #include "toolkit/vb/vbruntime.h"
 

@@ -4,11 +4,11 @@
 #include <QCursor>
 #include <QSignalBlocker>
 
+#include "app/mGlobals.h"
 #include "loans/lentoutfolder.h"
 #include "lookups/lookupoperations.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "toolkit/controls/WndCoolMenu.h"
 #include "toolkit/controls/imagelists.h"
 #include "toolkit/controls/mCoolMenu.h"

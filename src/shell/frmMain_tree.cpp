@@ -2,9 +2,9 @@
 
 #include <QMouseEvent>
 
+#include "app/mGlobals.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "toolkit/controls/imagelists.h"
 #include "toolkit/vb/vbruntime.h"
 

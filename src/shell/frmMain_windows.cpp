@@ -7,6 +7,7 @@
 #include "lookups/frmDatabase.h"
 #include "search/frmFind.h"
 #include "shell/frmMain.h"
+#include "shell/mGlobalFunctions.h"
 #include "store/guardedfile.h"
 #include "toolkit/controls/mHelp.h"
 #include "toolkit/vb/guardeddialog.h"
@@ -61,4 +62,16 @@ bool frmMain::RunUpdate(QString& updateProgram) {
     }
     updateProgram = sUpdateProgram;
     return downloaded;
+}
+
+void frmMain::ForceSelectNode(int index) {
+    ::ForceSelectNode(index);
+}
+
+void frmMain::RefreshIfDirty() {
+    ::RefreshIfDirty();
+}
+
+void frmMain::SelectTitleInList(long id) {
+    ::SelectTitleInList(id);
 }

@@ -2,8 +2,8 @@
 
 #include <QSignalBlocker>
 
+#include "app/mGlobals.h"
 #include "shell/frmMain.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
 #include "toolkit/vb/msgbox.h"

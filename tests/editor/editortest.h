@@ -11,13 +11,13 @@
 #include <QTreeWidget>
 #include <memory>
 
+#include "app/mGlobals.h"
 #include "editor/frmEdit.h"
 #include "editor/frmLookup.h"
 #include "editor/frmTracksListing.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"
 #include "toolkit/vb/vbruntime.h"

@@ -4,11 +4,11 @@
 #include <QCheckBox>
 #include <QRadioButton>
 
+#include "app/mGlobals.h"
 #include "export/exporttest.h"
 #include "export/frmExport.h"
 #include "lookups/viewqueries.h"
 #include "shell/frmMain.h"
-#include "shell/mGlobals.h"
 #include "toolkit/platform/mUtility.h"
 #include "toolkit/vb/longwork.h"
 

@@ -18,6 +18,7 @@
 #include <csignal>
 #include <cstdio>
 
+#include "app/mGlobals.h"
 #include "editor/frmEdit.h"
 #include "editor/frmFetchCovers.h"
 #include "editor/frmTracksListing.h"
@@ -28,7 +29,6 @@
 #include "lookups/lookupoperations.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "shell/terminationsignals.h"
 #include "store/catalogue.h"
 #include "store/guardedfile.h"

@@ -2,10 +2,10 @@
 
 #include <csignal>
 
+#include "app/mGlobals.h"
 #include "editor/frmEdit.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
-#include "shell/mGlobals.h"
 #include "shell/terminationsignals.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"

@@ -5,9 +5,9 @@
 
 #include <sqlite3.h>
 
+#include "app/mGlobals.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
-#include "shell/mGlobals.h"
 #include "shell/submain.h"
 #include "shell/terminationsignals.h"
 #include "store/catalogue.h"

@@ -7,9 +7,9 @@
 #include <cstdlib>
 #include <memory>
 
+#include "app/mGlobals.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
 #include "toolkit/vb/vbruntime.h"

@@ -28,11 +28,19 @@ class MainWindow {
     // A window lent or took back titles: the loan count and the "Lent out" folder follow.
     virtual void LoansChanged() = 0;
 
+    // Selects folder index (1-based) and reads its list, even when it was read last.
+    virtual void ForceSelectNode(int index) = 0;
+    // Applies gTreeDirty and gListDirty after a child window closed.
+    virtual void RefreshIfDirty() = 0;
+    // Selects the list item whose tag is id and scrolls it into view.
+    virtual void SelectTitleInList(long id) = 0;
+
   protected:
     ~MainWindow() = default;
 };
 
-// The running main window; null before the program made it and once it is on its way out.
+// The running main window; null before the program made it and once it is on its way out. The
+// shell, which makes the one main window, answers it.
 MainWindow* TheMainWindow();
 
 // The selected folder's key, and the key of the folder above key; empty without a main window.

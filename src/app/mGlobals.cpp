@@ -1,4 +1,4 @@
-#include "shell/mGlobals.h"
+#include "app/mGlobals.h"
 
 bool gSecondInstance = false;
 bool gTreeDirty = false;
