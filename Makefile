@@ -19,7 +19,9 @@ build: deps
 run: build
 	cd $(PROGRAM_DIR) && ./velmora
 
+# The folders' include arrows first: each must point down, no folder may reach itself again.
 test: build
+	scripts/check-layers.sh
 	cd $(BUILD) && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j$(JOBS)
 
 # The whole suite again under AddressSanitizer and UBSan, in a build folder of its own.

@@ -5,7 +5,7 @@
 
 #include <QStringList>
 
-#include "toolkit/msgbox.h"
+#include "toolkit/vb/msgbox.h"
 
 class BoxRecorder {
   public:

@@ -8,8 +8,8 @@
 
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace bench {
 

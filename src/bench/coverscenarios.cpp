@@ -10,16 +10,16 @@
 #include <QTemporaryDir>
 #include <QTextDocument>
 
+#include "app/mGlobals.h"
 #include "bench/syntheticcatalogue.h"
 #include "disc/coverimage.h"
 #include "shell/frmMain.h"
-#include "shell/mGlobals.h"
 #include "shell/titlelistmodel.h"
 #include "store/catalogue.h"
 #include "store/shelfrecords.h"
 #include "store/shelftables.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

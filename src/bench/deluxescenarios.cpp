@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 
 #include "jet/jet.h"
-#include "toolkit/vberror.h"
+#include "toolkit/vb/vberror.h"
 
 namespace {
 

@@ -11,16 +11,16 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
+#include "app/mGlobals.h"
 #include "bench/benchprogram.h"
 #include "disc/audiodisc.h"
 #include "disc/datadisc.h"
 #include "editor/frmEdit.h"
 #include "editor/frmTracksListing.h"
 #include "shell/frmMain.h"
-#include "shell/mGlobals.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

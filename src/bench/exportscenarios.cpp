@@ -12,10 +12,10 @@
 #include "export/frmExport.h"
 #include "lookups/viewqueries.h"
 #include "store/catalogue.h"
-#include "toolkit/GCommonDialog.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/GCommonDialog.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -13,10 +13,10 @@
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
 #include "store/guardedfile.h"
-#include "toolkit/GCommonDialog.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/GCommonDialog.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 
+#include "app/mGlobals.h"
 #include "bench/benchprogram.h"
 #include "loans/frmLend.h"
 #include "loans/lentoutfolder.h"
@@ -11,10 +12,9 @@
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

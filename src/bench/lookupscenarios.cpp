@@ -14,6 +14,7 @@
 #include <QThread>
 #include <QTimer>
 
+#include "app/mGlobals.h"
 #include "bench/benchboxes.h"
 #include "bench/benchprogram.h"
 #include "bench/discscenarios.h"
@@ -24,9 +25,8 @@
 #include "editor/frmLookup.h"
 #include "editor/frmTracksListing.h"
 #include "shell/frmMain.h"
-#include "shell/mGlobals.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

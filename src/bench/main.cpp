@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 
+#include "app/mGlobals.h"
 #include "bench/coverscenarios.h"
 #include "bench/deluxescenarios.h"
 #include "bench/discscenarios.h"
@@ -27,11 +28,10 @@
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "shell/submain.h"
-#include "toolkit/resources.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/resources.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

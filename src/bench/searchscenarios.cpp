@@ -10,9 +10,9 @@
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "store/catalogue.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "store/catalogue.h"
-#include "toolkit/vberror.h"
+#include "toolkit/vb/vberror.h"
 
 namespace {
 

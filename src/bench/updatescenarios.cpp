@@ -7,9 +7,9 @@
 #include <QTemporaryDir>
 
 #include "bench/benchboxes.h"
-#include "toolkit/AnimatedGifCtl.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vberror.h"
+#include "toolkit/controls/AnimatedGifCtl.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
 #include "update/frmDownload.h"
 
 std::vector<double> TimeSpinnerLoad(int runs) {

@@ -2,7 +2,7 @@
 
 #include <QUrl>
 
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "disc/lookupsettings.h"
 
-#include "toolkit/mRegistry.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/platform/mRegistry.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 
 #include "disc/audiodisc.h"
 #include "disc/datadisc.h"
-#include "toolkit/guardeddialog.h"
-#include "toolkit/msgbox.h"
+#include "toolkit/vb/guardeddialog.h"
+#include "toolkit/vb/msgbox.h"
 
 namespace {
 

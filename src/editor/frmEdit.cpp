@@ -13,19 +13,18 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/mGlobals.h"
+#include "app/mainwindow.h"
 #include "editor/frmTracksListing.h"
 #include "loans/loanhistorypanel.h"
 #include "lookups/lookupoperations.h"
-#include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
-#include "shell/mainwindow.h"
 #include "store/fieldsizes.h"
-#include "toolkit/ctlGoldButton.h"
-#include "toolkit/keyupguard.h"
-#include "toolkit/longwork.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/controls/ctlGoldButton.h"
+#include "toolkit/vb/keyupguard.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
+#include "toolkit/vb/vbstrings.h"
 
 frmEdit* gEditForm = nullptr;
 
@@ -514,9 +513,10 @@ void frmEdit::Unload() {
     if (gEditForm == this) gEditForm = nullptr;
     deleteLater();
     // A main window on its way out (the program was told to end) has no list to refresh.
-    if (!TheMainWindow()) return;
-    RefreshIfDirty();
-    SelectTitleInList(gCurrentTitleId);
+    MainWindow* main = TheMainWindow();
+    if (!main) return;
+    main->RefreshIfDirty();
+    main->SelectTitleInList(gCurrentTitleId);
 }
 
 void ShowEditForm(QWidget* owner) {

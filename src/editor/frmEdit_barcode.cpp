@@ -6,15 +6,15 @@
 #include <QLineEdit>
 #include <QScopeGuard>
 
+#include "app/mGlobals.h"
 #include "disc/barcodeanswer.h"
 #include "disc/lookupsettings.h"
 #include "editor/frmEdit.h"
 #include "editor/frmLookup.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
-#include "toolkit/ctlGoldButton.h"
-#include "toolkit/longwork.h"
-#include "toolkit/msgbox.h"
+#include "toolkit/controls/ctlGoldButton.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
 
 namespace {
 

@@ -12,18 +12,18 @@
 #include <QMenu>
 #include <QVBoxLayout>
 
+#include "app/mGlobals.h"
 #include "disc/coverartarchive.h"
 #include "disc/coverimage.h"
 #include "disc/discmatch.h"
 #include "disc/lookupsettings.h"
 #include "editor/coverbox.h"
 #include "editor/frmEdit.h"
-#include "shell/mGlobals.h"
-#include "toolkit/GCommonDialog.h"
-#include "toolkit/cCommonDialog.h"
-#include "toolkit/ctlGoldButton.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/ctlGoldButton.h"
+#include "toolkit/vb/GCommonDialog.h"
+#include "toolkit/vb/cCommonDialog.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

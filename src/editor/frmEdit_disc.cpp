@@ -8,18 +8,18 @@
 #include <QTimer>
 #include <algorithm>
 
+#include "app/mGlobals.h"
+#include "app/mainwindow.h"
 #include "disc/audiodisc.h"
 #include "disc/datadisc.h"
 #include "disc/discidentity.h"
 #include "editor/discsource.h"
 #include "editor/frmEdit.h"
 #include "editor/frmTracksListing.h"
-#include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 
@@ -136,7 +136,7 @@ void frmEdit::OpenCataloguedTitle(long id) {
         gAddingTitle = false;
         gModifyingTitle = true;
         gCurrentTitleId = id;
-        SelectTitleInList(id);
+        TheMainWindow()->SelectTitleInList(id);
         ShowEditForm(owner);
     });
 }

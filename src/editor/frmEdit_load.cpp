@@ -7,14 +7,14 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
+#include "app/mGlobals.h"
+#include "app/mainwindow.h"
 #include "editor/frmEdit.h"
 #include "loans/loanhistorypanel.h"
-#include "shell/mGlobals.h"
-#include "shell/mainwindow.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
-#include "toolkit/vbruntime.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/vb/vbruntime.h"
+#include "toolkit/vb/vbstrings.h"
 
 namespace {
 

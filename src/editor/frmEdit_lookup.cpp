@@ -5,18 +5,18 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
+#include "app/mGlobals.h"
 #include "disc/discmatch.h"
 #include "disc/lookupsettings.h"
 #include "disc/onlinediscids.h"
 #include "editor/frmEdit.h"
 #include "editor/frmLookup.h"
 #include "editor/frmTracksListing.h"
-#include "shell/mGlobals.h"
 #include "store/fieldsizes.h"
-#include "toolkit/ctlGoldButton.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mUtility.h"
-#include "toolkit/msgbox.h"
+#include "toolkit/controls/ctlGoldButton.h"
+#include "toolkit/platform/mUtility.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
 
 namespace {
 

@@ -9,16 +9,16 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
+#include "app/mGlobals.h"
+#include "app/mainwindow.h"
 #include "editor/frmEdit.h"
 #include "editor/frmTracksListing.h"
 #include "lookups/lookupoperations.h"
-#include "shell/mGlobals.h"
-#include "shell/mainwindow.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
+#include "toolkit/vb/vbstrings.h"
 
 namespace {
 

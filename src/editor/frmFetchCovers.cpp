@@ -14,9 +14,9 @@
 #include "disc/lookupsettings.h"
 #include "store/catalogue.h"
 #include "store/shelfrecords.h"
-#include "toolkit/longwork.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "disc/barcodelookup.h"
 #include "disc/gnudblookup.h"
 #include "disc/lookupsettings.h"
-#include "toolkit/longwork.h"
+#include "toolkit/vb/longwork.h"
 
 namespace {
 

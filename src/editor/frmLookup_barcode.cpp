@@ -9,7 +9,7 @@
 #include "disc/barcodelookup.h"
 #include "disc/lookupsettings.h"
 #include "editor/frmLookup.h"
-#include "toolkit/longwork.h"
+#include "toolkit/vb/longwork.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "app/mGlobals.h"
 #include "editor/frmEdit.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 frmTracksListing::frmTracksListing(frmEdit* owner) : QDialog(owner), owner_(owner) {
     setObjectName("frmTracksListing");

@@ -1,9 +1,9 @@
 #include "export/exportsupport.h"
 
-#include "shell/mGlobals.h"
+#include "app/mGlobals.h"
 #include "store/catalogue.h"
 #include "store/dao.h"
-#include "toolkit/vberror.h"
+#include "toolkit/vb/vberror.h"
 
 namespace {
 

@@ -10,15 +10,15 @@
 #include <QTabBar>
 #include <QVBoxLayout>
 
-#include "shell/mGlobals.h"
+#include "app/mGlobals.h"
 #include "store/dao.h"
-#include "toolkit/GCommonDialog.h"
-#include "toolkit/cCommonDialog.h"
-#include "toolkit/guardeddialog.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mUtility.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/platform/mUtility.h"
+#include "toolkit/vb/GCommonDialog.h"
+#include "toolkit/vb/cCommonDialog.h"
+#include "toolkit/vb/guardeddialog.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "export/frmExport.h"
 #include "loans/loancalendar.h"
 #include "store/catalogue.h"
-#include "toolkit/msgbox.h"
+#include "toolkit/vb/msgbox.h"
 
 void frmExport::ExportLoanCalendar() {
     QList<long> titles;

@@ -10,9 +10,9 @@
 #include "store/catalogue.h"
 #include "store/dao.h"
 #include "store/jetfilewriter.h"
-#include "toolkit/longwork.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -11,10 +11,10 @@
 #include "loans/loanstore.h"
 #include "store/catalogue.h"
 #include "store/dao.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mUtility.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/platform/mUtility.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -3,12 +3,12 @@
 
 #include <QRadioButton>
 
+#include "app/mGlobals.h"
+#include "app/mainwindow.h"
 #include "export/frmExport.h"
 #include "lookups/viewqueries.h"
-#include "shell/mGlobals.h"
-#include "shell/mainwindow.h"
 #include "store/dao.h"
-#include "toolkit/msgbox.h"
+#include "toolkit/vb/msgbox.h"
 
 namespace {
 

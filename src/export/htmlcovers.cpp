@@ -7,7 +7,7 @@
 #include <QUrl>
 
 #include "store/shelfrecords.h"
-#include "toolkit/vberror.h"
+#include "toolkit/vb/vberror.h"
 
 namespace {
 

@@ -6,16 +6,15 @@
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
-#include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
-#include "shell/mainwindow.h"
+#include "app/mGlobals.h"
+#include "app/mainwindow.h"
 #include "store/catalogue.h"
-#include "toolkit/guardeddialog.h"
-#include "toolkit/keyupguard.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mUtility.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/platform/mUtility.h"
+#include "toolkit/vb/guardeddialog.h"
+#include "toolkit/vb/keyupguard.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 
@@ -269,10 +268,10 @@ void frmImport::cmdOK_Click() {
     }
     const qint64 added =
         qint64(IniTried) + DeluxeTried - IniDuplicates - DeluxeDuplicates + TabTried - TabFailed;
-    if (added > 0 && TheMainWindow()) {
+    if (MainWindow* main = TheMainWindow(); added > 0 && main) {
         gTreeDirty = true;
         gListDirty = true;
-        RefreshIfDirty();
+        main->RefreshIfDirty();
     }
     accept();
 }

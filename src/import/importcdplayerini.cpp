@@ -7,11 +7,11 @@
 #include "import/frmImport.h"
 #include "import/importvalues.h"
 #include "store/catalogue.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mUtility.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbconvert.h"
-#include "toolkit/vberror.h"
+#include "toolkit/platform/mUtility.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbconvert.h"
+#include "toolkit/vb/vberror.h"
 
 namespace {
 

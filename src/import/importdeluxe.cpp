@@ -6,9 +6,9 @@
 #include "import/frmImport.h"
 #include "import/importvalues.h"
 #include "store/catalogue.h"
-#include "toolkit/longwork.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -4,18 +4,18 @@
 #include <QFile>
 #include <algorithm>
 
+#include "app/mGlobals.h"
 #include "import/frmImport.h"
 #include "import/importvalues.h"
 #include "import/tablookups.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
-#include "toolkit/cCommonDialog.h"
-#include "toolkit/longwork.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/textencoding.h"
-#include "toolkit/vbconvert.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/platform/textencoding.h"
+#include "toolkit/vb/cCommonDialog.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbconvert.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

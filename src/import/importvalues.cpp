@@ -4,9 +4,9 @@
 #include <QFile>
 
 #include "store/catalogue.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/textencoding.h"
-#include "toolkit/vberror.h"
+#include "toolkit/platform/textencoding.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
 
 bool ReadTextLines(const QString& path, QStringList& lines, QString* problem) {
     QFile file(path);

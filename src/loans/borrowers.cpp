@@ -1,9 +1,9 @@
 #include "loans/borrowers.h"
 
-#include "lookups/lookupoperations.h"
+#include "app/lookupresult.h"
 #include "store/catalogue.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbstrings.h"
 
 namespace {
 

@@ -6,6 +6,6 @@
 
 #include <QString>
 
-// action: 1 add, 2 rename, 3 delete (as the lookups' LookupAction). id: the borrower (rename,
-// delete). name: the borrower's present name (rename, delete).
+// action: 1 add, 2 rename, 3 delete (a LookupAction). id: the borrower (rename, delete). name:
+// the borrower's present name (rename, delete).
 QString ModifyBorrower(int action, long id, const QString& name);

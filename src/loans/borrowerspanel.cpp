@@ -7,12 +7,12 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "app/lookupresult.h"
+#include "app/mGlobals.h"
 #include "loans/borrowers.h"
-#include "lookups/lookupoperations.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
-#include "toolkit/imagelists.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/imagelists.h"
+#include "toolkit/vb/vbruntime.h"
 
 BorrowersPanel::BorrowersPanel(QWidget* parent) : QWidget(parent) {
     lstBorrower = new QListWidget(this);

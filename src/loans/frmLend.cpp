@@ -12,9 +12,9 @@
 
 #include "loans/loanstore.h"
 #include "store/catalogue.h"
-#include "toolkit/mRegistry.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/platform/mRegistry.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -1,7 +1,5 @@
 #include "loans/lentoutfolder.h"
 
-#include "loans/loanstore.h"
-#include "shell/titlelistmodel.h"
 #include "store/catalogue.h"
 
 namespace loans {
@@ -44,14 +42,6 @@ QStringList LentOutHeaders() {
 
 std::array<QString, 5> LentOutSubItemFields() {
     return {"nmvendor", "nmtype", "nmborrower", "due", "nmmediatype"};
-}
-
-void MarkOverdue(std::vector<TitleRow>& rows, const QDate& today) {
-    for (TitleRow& row : rows) {
-        const QDate due = TextDate(row.subItems[kDueSubItem]);
-        row.overdue = due.isValid() && due < today;
-        row.subItems[kDueSubItem] = DateText(due) + (row.overdue ? kOverdueMark : QString());
-    }
 }
 
 QColor OverdueColour(const QColor& background) {

@@ -11,8 +11,6 @@
 #include <array>
 #include <vector>
 
-struct TitleRow;
-
 namespace loans {
 
 inline const QString kLentOutKey = "lentout";
@@ -32,9 +30,7 @@ std::array<QString, 5> LentOutSubItemFields();
 // The due column among the sub-items (0-based).
 constexpr int kDueSubItem = 3;
 
-// Marks the rows due before today as overdue: a flag that colours them, and a word behind the
-// date so that the colour is not the only sign.
-void MarkOverdue(std::vector<TitleRow>& rows, const QDate& today);
+// Behind the due date of a title due before today, so that the colour is not the only sign.
 inline const QString kOverdueMark = " (overdue)";
 
 // A red that reads on background: dark on a light one, light on a dark one. Overdue rows are

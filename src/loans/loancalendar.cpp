@@ -2,7 +2,7 @@
 
 #include "loans/loanstore.h"
 #include "store/dao.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace loans {
 

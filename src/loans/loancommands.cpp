@@ -3,9 +3,9 @@
 #include "loans/frmLend.h"
 #include "loans/loanstore.h"
 #include "store/catalogue.h"
-#include "toolkit/guardeddialog.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vberror.h"
+#include "toolkit/vb/guardeddialog.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
 
 bool LendTitlesInWindow(QWidget* owner, const QList<long>& titles, const QStringList& names) {
     if (titles.isEmpty()) return false;

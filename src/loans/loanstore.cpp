@@ -4,8 +4,8 @@
 
 #include "store/dao.h"
 #include "store/jettext.h"
-#include "toolkit/longwork.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace loans {
 

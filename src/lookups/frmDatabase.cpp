@@ -12,16 +12,16 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "app/mGlobals.h"
+#include "app/mainwindow.h"
 #include "loans/borrowerspanel.h"
 #include "lookups/lookupoperations.h"
-#include "shell/mGlobals.h"
-#include "shell/mainwindow.h"
 #include "store/catalogue.h"
 #include "store/frmPerformAction.h"
-#include "toolkit/imagelists.h"
-#include "toolkit/longwork.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vberror.h"
+#include "toolkit/controls/imagelists.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
 
 frmDatabase* gDatabaseForm = nullptr;
 

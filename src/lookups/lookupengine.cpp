@@ -1,11 +1,11 @@
 #include "lookups/lookupengine.h"
 
+#include "app/mGlobals.h"
 #include "lookups/lookupoperations.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbstrings.h"
 
 namespace {
 

@@ -81,13 +81,3 @@ QString ModifyType(int action, long id, QString& name) {
 QString ModifyVendor(int action, long id, QString& name) {
     return ModifyLookup(kVendor, action, id, name);
 }
-
-long LookupResultId(const QString& result) {
-    return result.section('~', 0, 0).toLong();
-}
-
-// Only the first "~" separates: the id never holds one, a name may.
-QString LookupResultName(const QString& result) {
-    const qsizetype separator = result.indexOf('~');
-    return separator < 0 ? QString() : result.mid(separator + 1);
-}

@@ -6,7 +6,7 @@
 
 #include <QString>
 
-enum LookupAction { kLookupAdd = 1, kLookupRename = 2, kLookupDelete = 3 };
+#include "app/lookupresult.h"
 
 // action: 1 add, 2 rename, 3 delete. id: the row (rename, delete) or the parent (add).
 // name: the row's present name (rename, delete); on add an optional wanted name, which skips
@@ -16,7 +16,3 @@ QString ModifyMediatype(int action, long id, QString& name);
 QString ModifySpecific(int action, long id, QString& name);
 QString ModifyType(int action, long id, QString& name);
 QString ModifyVendor(int action, long id, QString& name);
-
-// The id before the first "~", and the text behind it (empty when there is none).
-long LookupResultId(const QString& result);
-QString LookupResultName(const QString& result);

@@ -1,6 +1,6 @@
 #include "lookups/viewqueries.h"
 
-#include "shell/mGlobals.h"
+#include "app/mGlobals.h"
 #include "store/catalogue.h"
 
 namespace {

@@ -11,18 +11,17 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "app/mGlobals.h"
+#include "app/mainwindow.h"
 #include "loans/lentoutfolder.h"
 #include "loans/loansearch.h"
 #include "lookups/viewqueries.h"
-#include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
-#include "shell/mainwindow.h"
 #include "store/dao.h"
-#include "toolkit/keyupguard.h"
-#include "toolkit/longwork.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/vb/keyupguard.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
+#include "toolkit/vb/vbstrings.h"
 
 frmFind* gFindForm = nullptr;
 
@@ -267,7 +266,8 @@ void frmFind::cmdSearch_Click() {
     AddRange(2, 3);
 
     gSearchSQL = gViewSQL;
-    ForceSelectNode(TheMainWindow()->NodeCount());
+    MainWindow* main = TheMainWindow();
+    main->ForceSelectNode(main->NodeCount());
 }
 
 void frmFind::AddRange(int first, int second) {

@@ -2,7 +2,7 @@
 
 #include "store/catalogue.h"
 #include "store/shelfrecords.h"
-#include "toolkit/vberror.h"
+#include "toolkit/vb/vberror.h"
 
 QString CoverToolTip(const QString& tag, const QString& title) {
     bool number = false;

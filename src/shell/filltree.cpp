@@ -1,14 +1,14 @@
 // Building the folder tree from the platforms and their types, and refreshing the tree and
 // the list after a child window changed the catalogue.
 
+#include "app/mGlobals.h"
 #include "loans/lentoutfolder.h"
 #include "lookups/viewqueries.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "store/dao.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -1,16 +1,16 @@
 // "Find this disc": the disc in the drive (or an image) found in the catalogue by its identity,
 // and its title selected in the tree and the list.
 
+#include "app/mGlobals.h"
 #include "disc/audiodisc.h"
 #include "disc/discidentity.h"
 #include "editor/discsource.h"
 #include "lookups/viewqueries.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

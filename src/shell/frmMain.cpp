@@ -5,10 +5,10 @@
 #include <QHeaderView>
 #include <QScreen>
 
+#include "app/mGlobals.h"
 #include "loans/loanstore.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "shell/progressstatus.h"
 #include "shell/readrecords.h"
 #include "shell/singleinstance.h"
@@ -18,23 +18,15 @@
 #include "store/guardedfile.h"
 #include "store/jettextcolumns.h"
 #include "store/shelftables.h"
-#include "toolkit/cVSplitter.h"
-#include "toolkit/imagelists.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/cVSplitter.h"
+#include "toolkit/controls/imagelists.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 frmMain* gMainForm = nullptr;
 
 MainWindow* TheMainWindow() {
     return gMainForm;
-}
-
-QString SelectedFolderKey() {
-    return gMainForm ? gMainForm->SelectedNodeKey() : QString();
-}
-
-QString ParentFolderKey(const QString& key) {
-    return gMainForm && !key.isEmpty() ? gMainForm->ParentNodeKey(key) : QString();
 }
 
 namespace {

@@ -12,8 +12,8 @@
 #include <memory>
 #include <optional>
 
-#include "shell/mainwindow.h"
-#include "toolkit/longwork.h"
+#include "app/mainwindow.h"
+#include "toolkit/vb/longwork.h"
 
 class HelpCallBack;
 class SingleInstance;
@@ -198,6 +198,10 @@ class frmMain : public QMainWindow, public MainWindow {
     // After lending or taking back: the count in the status bar, the "Lent out" folder shown
     // while any title is out, and its list read again when it is the one shown.
     void LoansChanged() override;
+    // The routines of these names in mGlobalFunctions.h, for the windows the main window opens.
+    void ForceSelectNode(int index) override;
+    void RefreshIfDirty() override;
+    void SelectTitleInList(long id) override;
     // "3 discs lent out, 1 overdue" in the first panel, or nothing while no title is out.
     void ShowLoanCount();
     // Hides platform id (name is shown in the question) and removes the selected node.

@@ -4,17 +4,17 @@
 #include <QCloseEvent>
 #include <QPointer>
 
+#include "app/mGlobals.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
-#include "shell/mGlobals.h"
 #include "shell/singleinstance.h"
 #include "store/catalogue.h"
 #include "store/frmPerformAction.h"
 #include "store/guardedfile.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mCoolMenu.h"
-#include "toolkit/mRegistry.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/mCoolMenu.h"
+#include "toolkit/platform/mRegistry.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

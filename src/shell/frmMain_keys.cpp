@@ -4,10 +4,10 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 
+#include "app/mGlobals.h"
 #include "shell/frmMain.h"
-#include "shell/mGlobals.h"
-#include "toolkit/keyupguard.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/keyupguard.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -7,11 +7,11 @@
 #include <QScopedValueRollback>
 #include <QStyledItemDelegate>
 
+#include "app/mGlobals.h"
 #include "loans/lentoutfolder.h"
 #include "shell/frmMain.h"
-#include "shell/mGlobals.h"
 #include "shell/titlelistmodel.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 // Lending and taking back the selected titles, and what the main window shows of the loans.
 
+#include "app/mGlobals.h"
 #include "loans/lentoutfolder.h"
 #include "loans/loancommands.h"
 #include "loans/loanstore.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "shell/readrecords.h"
 #include "store/catalogue.h"
-#include "toolkit/msgbox.h"
+#include "toolkit/vb/msgbox.h"
 
 namespace {
 

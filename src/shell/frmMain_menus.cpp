@@ -4,16 +4,16 @@
 #include <QCursor>
 #include <QSignalBlocker>
 
+#include "app/mGlobals.h"
 #include "loans/lentoutfolder.h"
 #include "lookups/lookupoperations.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
-#include "toolkit/WndCoolMenu.h"
-#include "toolkit/imagelists.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mCoolMenu.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/WndCoolMenu.h"
+#include "toolkit/controls/imagelists.h"
+#include "toolkit/controls/mCoolMenu.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include "shell/frmSplash.h"
 #include "store/catalogue.h"
 #include "store/guardedfile.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
+#include "toolkit/vb/vbstrings.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 #include <QProcess>
 
 #include "shell/frmMain.h"
-#include "toolkit/imagelists.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/controls/imagelists.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
+#include "toolkit/vb/vbstrings.h"
 
 namespace {
 

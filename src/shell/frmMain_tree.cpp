@@ -2,11 +2,11 @@
 
 #include <QMouseEvent>
 
+#include "app/mGlobals.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
-#include "toolkit/imagelists.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/imagelists.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

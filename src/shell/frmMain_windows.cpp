@@ -7,13 +7,14 @@
 #include "lookups/frmDatabase.h"
 #include "search/frmFind.h"
 #include "shell/frmMain.h"
+#include "shell/mGlobalFunctions.h"
 #include "store/guardedfile.h"
-#include "toolkit/guardeddialog.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mHelp.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/mHelp.h"
+#include "toolkit/vb/guardeddialog.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 #include "update/frmDownload.h"
 
 void frmMain::ShowEditor() {
@@ -61,4 +62,16 @@ bool frmMain::RunUpdate(QString& updateProgram) {
     }
     updateProgram = sUpdateProgram;
     return downloaded;
+}
+
+void frmMain::ForceSelectNode(int index) {
+    ::ForceSelectNode(index);
+}
+
+void frmMain::RefreshIfDirty() {
+    ::RefreshIfDirty();
+}
+
+void frmMain::SelectTitleInList(long id) {
+    ::SelectTitleInList(id);
 }

@@ -5,8 +5,8 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
-#include "toolkit/imagelists.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/imagelists.h"
+#include "toolkit/vb/vbruntime.h"
 
 frmSplash* gSplashForm = nullptr;
 

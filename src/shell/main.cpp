@@ -4,8 +4,8 @@
 
 #include "shell/submain.h"
 #include "shell/terminationsignals.h"
-#include "toolkit/resources.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/controls/resources.h"
+#include "toolkit/vb/vbruntime.h"
 
 int main(int argc, char** argv) {
     // A file that outgrows the user's file size limit must fail its write, not end the program

@@ -3,7 +3,7 @@
 #include <QLocale>
 
 #include "shell/frmMain.h"
-#include "toolkit/longwork.h"
+#include "toolkit/vb/longwork.h"
 
 namespace {
 

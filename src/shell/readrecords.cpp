@@ -9,19 +9,31 @@
 #include <optional>
 #include <utility>
 
+#include "app/mGlobals.h"
 #include "loans/lentoutfolder.h"
+#include "loans/loanstore.h"
 #include "lookups/viewqueries.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "shell/titlelistmodel.h"
 #include "store/catalogue.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
 
 ListReadState gListReadState;
 
 namespace {
+
+// Marks the rows due before today as overdue: a flag that colours them, and a word behind the
+// date so that the colour is not the only sign.
+void MarkOverdue(std::vector<TitleRow>& rows, const QDate& today) {
+    for (TitleRow& row : rows) {
+        const QDate due = loans::TextDate(row.subItems[loans::kDueSubItem]);
+        row.overdue = due.isValid() && due < today;
+        row.subItems[loans::kDueSubItem] =
+            loans::DateText(due) + (row.overdue ? loans::kOverdueMark : QString());
+    }
+}
 
 int PlatformIdOf(const QString& key) {
     return key.mid(3).toInt();
@@ -120,7 +132,7 @@ void FillList(frmMain* form) {
         const long count = CountRows(gRecordset.get());
         std::vector<TitleRow> rows = ReadRows(
             gRecordset.get(), count, lentOut ? loans::LentOutSubItemFields() : kSubItemFields);
-        if (lentOut) loans::MarkOverdue(rows, QDate::currentDate());
+        if (lentOut) MarkOverdue(rows, QDate::currentDate());
         model->SetRows(std::move(rows));
     } catch (const VbError& error) {
         MsgBox(error.Description);

@@ -6,7 +6,7 @@
 
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 int SubMain() {
     try {

@@ -9,7 +9,7 @@
 #include <csignal>
 
 #include "shell/frmMain.h"
-#include "toolkit/longwork.h"
+#include "toolkit/vb/longwork.h"
 
 namespace {
 

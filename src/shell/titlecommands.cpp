@@ -2,13 +2,13 @@
 
 #include <QSignalBlocker>
 
+#include "app/mGlobals.h"
 #include "shell/frmMain.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbruntime.h"
-#include "toolkit/vbstrings.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbruntime.h"
+#include "toolkit/vb/vbstrings.h"
 
 void frmMain::NewTitle() {
     if (MousePointer() != vbArrow) return;

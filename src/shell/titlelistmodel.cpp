@@ -6,8 +6,8 @@
 
 #include "shell/covertooltip.h"
 #include "store/jettext.h"
-#include "toolkit/imagelists.h"
-#include "toolkit/sortbyruns.h"
+#include "toolkit/controls/imagelists.h"
+#include "toolkit/vb/sortbyruns.h"
 
 namespace {
 

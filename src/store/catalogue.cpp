@@ -4,7 +4,7 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 std::unique_ptr<Database> gDatabase;
 std::unique_ptr<Recordset> gRecordset;

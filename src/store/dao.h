@@ -11,7 +11,7 @@
 #include <memory>
 #include <vector>
 
-#include "toolkit/vberror.h"
+#include "toolkit/vb/vberror.h"
 
 struct sqlite3;
 class Recordset;

@@ -12,7 +12,7 @@
 #include "store/jetlike.h"
 #include "store/jettext.h"
 #include "store/passwordcheck.h"
-#include "toolkit/longwork.h"
+#include "toolkit/vb/longwork.h"
 
 using namespace dao_detail;
 

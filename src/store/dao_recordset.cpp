@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "store/dao_detail.h"
-#include "toolkit/sortbyruns.h"
+#include "toolkit/vb/sortbyruns.h"
 
 using namespace dao_detail;
 

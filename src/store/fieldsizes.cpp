@@ -1,7 +1,7 @@
 #include "store/fieldsizes.h"
 
 #include "store/catalogue.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 int gLenTitle = 0;
 int gLenLabel = 0;

@@ -6,8 +6,8 @@
 #include <QVBoxLayout>
 
 #include "store/catalogue.h"
-#include "toolkit/longwork.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/vbruntime.h"
 
 frmPerformAction::frmPerformAction()
     : QDialog(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint),

@@ -3,7 +3,7 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include "toolkit/vberror.h"
+#include "toolkit/vb/vberror.h"
 
 namespace {
 const QByteArray kGuardedSignature = "SQLite format F";

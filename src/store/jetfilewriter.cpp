@@ -1,7 +1,7 @@
 #include "store/jetfilewriter.h"
 
 #include "jet/jet.h"
-#include "toolkit/vberror.h"
+#include "toolkit/vb/vberror.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <QRegularExpression>
 
 #include "store/jettext.h"
-#include "toolkit/vberror.h"
+#include "toolkit/vb/vberror.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "store/shelfrecords.h"
 
 #include "store/catalogue.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -7,10 +7,10 @@
 #include <QScreen>
 #include <QTime>
 
-#include "toolkit/longwork.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vbconvert.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vbconvert.h"
+#include "toolkit/vb/vbruntime.h"
 #include "update/mDownload.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <QProgressBar>
 #include <QPushButton>
 
-#include "toolkit/AnimatedGifCtl.h"
-#include "toolkit/vberror.h"
+#include "toolkit/controls/AnimatedGifCtl.h"
+#include "toolkit/vb/vberror.h"
 #include "update/Inet.h"
 
 // The progress window of one HTTP transfer into a local file, resumable with a byte range

@@ -4,10 +4,10 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include "toolkit/mUtility.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/vberror.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/platform/mUtility.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
+#include "toolkit/vb/vbruntime.h"
 #include "update/frmDownload.h"
 
 QString sUpdateProgram;

@@ -7,7 +7,7 @@
 #include <QStorageInfo>
 #include <cmath>
 
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 QString FitText(const QLabel* label, QString text) {
     const QFontMetrics metrics(label->window()->font());

@@ -16,7 +16,7 @@
 #include "disc/onlinediscids.h"
 #include "editor/frmLookup.h"
 #include "support/testsupport.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 using namespace lookupanswers;
 using namespace lookupserver;

@@ -11,16 +11,16 @@
 #include <QTreeWidget>
 #include <memory>
 
+#include "app/mGlobals.h"
 #include "editor/frmEdit.h"
 #include "editor/frmLookup.h"
 #include "editor/frmTracksListing.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace editortest {
 

@@ -6,7 +6,7 @@
 #include <QPlainTextEdit>
 
 #include "editor/editortest.h"
-#include "toolkit/ctlGoldButton.h"
+#include "toolkit/controls/ctlGoldButton.h"
 
 using namespace editortest;
 

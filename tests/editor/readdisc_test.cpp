@@ -16,8 +16,8 @@
 #include "editor/editortest.h"
 #include "editor/frmLookup.h"
 #include "shell/mGlobalFunctions.h"
-#include "toolkit/ctlGoldButton.h"
-#include "toolkit/mUtility.h"
+#include "toolkit/controls/ctlGoldButton.h"
+#include "toolkit/platform/mUtility.h"
 
 using namespace editortest;
 using namespace discimages;

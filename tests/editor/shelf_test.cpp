@@ -17,8 +17,8 @@
 #include "editor/coverbox.h"
 #include "editor/editortest.h"
 #include "editor/frmLookup.h"
-#include "toolkit/ctlGoldButton.h"
-#include "toolkit/longwork.h"
+#include "toolkit/controls/ctlGoldButton.h"
+#include "toolkit/vb/longwork.h"
 
 using namespace editortest;
 using lookupserver::Body;

@@ -4,13 +4,13 @@
 #include <QCheckBox>
 #include <QRadioButton>
 
+#include "app/mGlobals.h"
 #include "export/exporttest.h"
 #include "export/frmExport.h"
 #include "lookups/viewqueries.h"
 #include "shell/frmMain.h"
-#include "shell/mGlobals.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mUtility.h"
+#include "toolkit/platform/mUtility.h"
+#include "toolkit/vb/longwork.h"
 
 using namespace exporttest;
 

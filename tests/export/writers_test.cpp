@@ -17,9 +17,9 @@
 #include "jet/jetcheck.h"
 #include "store/shelfrecords.h"
 #include "store/shelftables.h"
-#include "toolkit/mUtility.h"
-#include "toolkit/mUtilityIni.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/platform/mUtility.h"
+#include "toolkit/platform/mUtilityIni.h"
+#include "toolkit/vb/vbruntime.h"
 
 using namespace exporttest;
 

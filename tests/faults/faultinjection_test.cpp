@@ -18,6 +18,7 @@
 #include <csignal>
 #include <cstdio>
 
+#include "app/mGlobals.h"
 #include "editor/frmEdit.h"
 #include "editor/frmFetchCovers.h"
 #include "editor/frmTracksListing.h"
@@ -28,7 +29,6 @@
 #include "lookups/lookupoperations.h"
 #include "shell/frmMain.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "shell/terminationsignals.h"
 #include "store/catalogue.h"
 #include "store/guardedfile.h"
@@ -36,10 +36,10 @@
 #include "store/jettext.h"
 #include "store/shelftables.h"
 #include "support/testsupport.h"
-#include "toolkit/guardeddialog.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mUtility.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/platform/mUtility.h"
+#include "toolkit/vb/guardeddialog.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/vbruntime.h"
 #include "update/frmDownload.h"
 
 namespace {

@@ -2,7 +2,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "toolkit/gifwalk.h"
+#include "toolkit/controls/gifwalk.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));

@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "toolkit/textencoding.h"
-#include "toolkit/vbconvert.h"
-#include "toolkit/vberror.h"
+#include "toolkit/platform/textencoding.h"
+#include "toolkit/vb/vbconvert.h"
+#include "toolkit/vb/vberror.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));

@@ -3,7 +3,7 @@
 #include "import/frmImport.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"
-#include "toolkit/longwork.h"
+#include "toolkit/vb/longwork.h"
 
 namespace {
 

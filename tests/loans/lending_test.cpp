@@ -10,6 +10,7 @@
 #include <QToolButton>
 #include <QTreeWidget>
 
+#include "app/mGlobals.h"
 #include "editor/editortest.h"
 #include "loans/borrowerspanel.h"
 #include "loans/frmLend.h"
@@ -21,7 +22,6 @@
 #include "shell/frmMain.h"
 #include "shell/listtree_support.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "shell/titlelistmodel.h"
 #include "store/catalogue.h"
 

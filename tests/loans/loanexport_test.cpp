@@ -9,7 +9,7 @@
 #include "loans/loancalendar.h"
 #include "loans/loanstore.h"
 #include "shell/frmMain.h"
-#include "toolkit/guardeddialog.h"
+#include "toolkit/vb/guardeddialog.h"
 
 #ifdef VELMORA_HAVE_LIBICAL
 #include <libical/ical.h>

@@ -6,10 +6,10 @@
 #include <QComboBox>
 #include <QListWidget>
 
+#include "app/mGlobals.h"
 #include "lookups/frmDatabase.h"
 #include "lookups/lookupoperations.h"
 #include "shell/frmMain.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
 #include "support/testsupport.h"

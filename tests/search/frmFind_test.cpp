@@ -2,12 +2,12 @@
 // builds and the titles the search node then lists.
 
 #include "search/frmFind.h"
+#include "app/mGlobals.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -2,16 +2,16 @@
 
 #include <csignal>
 
+#include "app/mGlobals.h"
 #include "editor/frmEdit.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
-#include "shell/mGlobals.h"
 #include "shell/terminationsignals.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"
-#include "toolkit/longwork.h"
-#include "toolkit/mUtility.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/platform/mUtility.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/vbruntime.h"
 #include "update/frmDownload.h"
 #include "update/testhttpserver.h"
 

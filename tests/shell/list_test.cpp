@@ -7,9 +7,9 @@
 #include "disc/coverimage.h"
 #include "disc/coverimages.h"
 
+#include "app/mGlobals.h"
 #include "shell/listtree_support.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 #include "shell/titlelistmodel.h"
 #include "store/dao.h"
 #include "store/shelfrecords.h"

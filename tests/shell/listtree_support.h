@@ -9,7 +9,7 @@
 #include "shell/frmSplash.h"
 #include "store/catalogue.h"
 #include "support/testsupport.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace listtree {
 

@@ -14,7 +14,7 @@
 #include "store/catalogue.h"
 #include "store/guardedfile.h"
 #include "store/passwordcheck.h"
-#include "toolkit/guardeddialog.h"
+#include "toolkit/vb/guardeddialog.h"
 
 using namespace editortest;
 

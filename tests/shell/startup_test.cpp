@@ -5,9 +5,9 @@
 
 #include <sqlite3.h>
 
+#include "app/mGlobals.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
-#include "shell/mGlobals.h"
 #include "shell/submain.h"
 #include "shell/terminationsignals.h"
 #include "store/catalogue.h"
@@ -15,7 +15,7 @@
 #include "store/guardedfile.h"
 #include "store/jettext.h"
 #include "support/testsupport.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // The folder tree: how it is built from the catalogue, and how selections turn into reads.
 
+#include "app/mGlobals.h"
 #include "lookups/viewqueries.h"
 #include "shell/listtree_support.h"
 #include "shell/mGlobalFunctions.h"
-#include "shell/mGlobals.h"
 
 using namespace listtree;
 

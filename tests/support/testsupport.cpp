@@ -7,12 +7,12 @@
 #include <cstdlib>
 #include <memory>
 
+#include "app/mGlobals.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
-#include "shell/mGlobals.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/vbruntime.h"
 
 TempProgramFolder::TempProgramFolder() : previousAppPath_(App.Path) {
     App.Path = dir_.path();

@@ -13,10 +13,10 @@
 #include <utility>
 
 #include "jet/jet.h"
-#include "toolkit/GCommonDialog.h"
-#include "toolkit/msgbox.h"
-#include "toolkit/resources.h"
-#include "toolkit/vberror.h"
+#include "toolkit/controls/resources.h"
+#include "toolkit/vb/GCommonDialog.h"
+#include "toolkit/vb/msgbox.h"
+#include "toolkit/vb/vberror.h"
 
 // Boxes compare whole, word for word: prompt, buttons and icon, and title.
 bool operator==(const MsgBoxCall& a, const MsgBoxCall& b);

@@ -5,8 +5,8 @@
 
 #include "shell/frmMain.h"
 #include "support/testsupport.h"
-#include "toolkit/longwork.h"
-#include "toolkit/vbruntime.h"
+#include "toolkit/vb/longwork.h"
+#include "toolkit/vb/vbruntime.h"
 #include "update/frmDownload.h"
 #include "update/mDownload.h"
 #include "update/testhttpserver.h"

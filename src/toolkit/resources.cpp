@@ -1,7 +1,0 @@
-#include "toolkit/resources.h"
-
-#include <QtGlobal>
-
-void InitResources() {
-    Q_INIT_RESOURCE(assets);
-}
