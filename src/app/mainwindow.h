@@ -40,8 +40,9 @@ class MainWindow {
 };
 
 // The running main window; null before the program made it and once it is on its way out. The
-// shell, which makes the one main window, answers it.
+// main window sets itself when it is made and clears itself on its way out.
 MainWindow* TheMainWindow();
+void SetTheMainWindow(MainWindow* window);
 
 // The selected folder's key, and the key of the folder above key; empty without a main window.
 QString SelectedFolderKey();

@@ -25,10 +25,6 @@
 
 frmMain* gMainForm = nullptr;
 
-MainWindow* TheMainWindow() {
-    return gMainForm;
-}
-
 namespace {
 // The list's and the tree's pale cream background.
 const QColor kViewBackground(0xFE, 0xF8, 0xE0);
@@ -49,10 +45,12 @@ frmMain::frmMain()
         gMainForm->SetMousePointer(vbArrow);
         gMainForm->Unload();
     });
+    SetTheMainWindow(this);
 }
 
 frmMain::~frmMain() {
     if (gMainForm == this) gMainForm = nullptr;
+    if (TheMainWindow() == this) SetTheMainWindow(nullptr);
 }
 
 void frmMain::BuildWindow() {

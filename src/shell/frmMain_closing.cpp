@@ -93,6 +93,7 @@ void frmMain::Form_Unload() {
     if (gSplashForm) gSplashForm->Unload();
     UnSubClassMenu(this);
     gMainForm = nullptr;
+    SetTheMainWindow(nullptr);
     emit Unloaded();
     deleteLater();
 }
