@@ -22,14 +22,12 @@ class ProgressLog {
     ProgressLog()
         : handle_(AddProgressListener([this](const QString& operation, qint64 done, qint64 total) {
               steps << QString("%1 %2/%3").arg(operation).arg(done).arg(total);
-              busy << ProgramIsBusy();
           })) {}
     ~ProgressLog() { RemoveProgressListener(handle_); }
     ProgressLog(const ProgressLog&) = delete;
     ProgressLog& operator=(const ProgressLog&) = delete;
 
     QStringList steps;
-    QList<bool> busy;
 
   private:
     int handle_;
@@ -284,23 +282,18 @@ class ImportTest : public QObject {
                                "Line " + QByteArray::number(line)) +
                      "\n";
         WriteBytes(path, lines);
-        {
-            const long start = RowCount("title");
-            const CatalogueLockedAtStep locked(4);
-            frmImport window;
-            window.Form_Load();
-            dialogs.answerFile(path);
-            window.ImportTabFile();
+        dialogs.answerFile(path);
+        lockedAt(4, &frmImport::ImportTabFile, [&](frmImport& window, long added) {
             QCOMPARE(window.TabTried, 4);
             QCOMPARE(window.TabFailed, 1);
-            QCOMPARE(RowCount("title") - start, 3L);
+            QCOMPARE(added, 3L);
             QCOMPARE(dialogs.takeBoxes(),
                      Boxes({{"The import from " + path + " stopped.\r\n" + kReadOnly, vbCritical,
                              "Importing from TAB delimited file"},
                             {"Tried to import 4 title(s) from TAB delimited file\r\nOf those 1 "
                              "went wrong.",
                              vbInformation, "Velmora"}}));
-        }
+        });
         QVERIFY(!gDatabase->InTransaction());
     }
 
