@@ -85,7 +85,7 @@ class LendingTest : public QObject {
         dialogs_ = std::make_unique<ScriptedDialogs>();
         QVERIFY(folder_->startProgramWith([] {
             for (const char* name : {"Alpha", "Bravo", "Charlie", "Delta"})
-                listtree::AddTitle(name, 1, 1, 1, 1);
+                AddTitle(*gDatabase, name);
         }));
         QVERIFY(QTest::qWaitForWindowExposed(form()));
         QCOMPARE(form()->ListItemCount(), 4);
@@ -136,8 +136,6 @@ class LendingTest : public QObject {
         QCOMPARE(form()->NodeKey(form()->Node(form()->NodeCount())), QString("search"));
         listtree::ClickNode(NodeWithKey(loans::kLentOutKey));
         TitleListModel* model = form()->ListModel();
-        QCOMPARE(model->headerData(3, Qt::Horizontal).toString(), QString("Lent to"));
-        QCOMPARE(model->headerData(4, Qt::Horizontal).toString(), QString("Due"));
         QCOMPARE(form()->ListItemCount(), 3);
         const QString overdue = loans::DateText(today.addDays(-10)) + " (overdue)";
         QCOMPARE(form()->ListItemText(0) + ";" + form()->ListItemSubItems(0)[2] + ";" +
