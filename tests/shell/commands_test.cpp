@@ -2,6 +2,7 @@
 
 #include <csignal>
 
+#include "disc/lookupserver.h"
 #include "editor/frmEdit.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
@@ -13,7 +14,6 @@
 #include "toolkit/mUtility.h"
 #include "toolkit/vbruntime.h"
 #include "update/frmDownload.h"
-#include "update/testhttpserver.h"
 
 namespace {
 
@@ -179,14 +179,17 @@ class CommandsTest : public QObject {
     // Quit, the close button and SIGTERM during the update's download are held until the
     // download has returned; the download's window is never freed twice.
     void endingDuringTheUpdateDownloadWaitsForIt() {
-        TestHttpServer server(QByteArray(50000, 'u'));
-        HttpAnswer stalled;
-        stalled.stallAfter = 5000;
-        server.answers = {HttpAnswer{}, stalled};
-        server.files["/software/updates/velmora.ini"] =
-            "[LastRelease]\r\nLatestMajor=1\r\n[1Major]\r\nminor=9\r\nrevision=0\r\nURL=" +
-            server.url("/upd.sh").toLatin1() + "\r\nfilename=upd.sh\r\n";
-        qputenv("VELMORA_UPDATE_SERVER", server.url("").toLocal8Bit());
+        lookupserver::LookupServer server;
+        lookupserver::Reply stalled = lookupserver::Body(QByteArray(5000, 'u'));
+        stalled.announced = 50000;
+        stalled.stall = true;
+        server.answer("/upd.sh", stalled);
+        server.answer(
+            "/software/updates/velmora.ini",
+            lookupserver::Body("[LastRelease]\r\nLatestMajor=1\r\n[1Major]\r\nminor=9\r\n"
+                               "revision=0\r\nURL=" +
+                               server.url().toLatin1() + "/upd.sh\r\nfilename=upd.sh\r\n"));
+        qputenv("VELMORA_UPDATE_SERVER", server.url().toLocal8Bit());
         const QTemporaryDir wine;
         qputenv("WINEPREFIX", wine.path().toLocal8Bit());
         QDir().mkpath(wine.filePath("drive_c/windows"));
