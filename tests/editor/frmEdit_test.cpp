@@ -153,7 +153,7 @@ class frmEditTest : public QObject {
         // Listing: its own text, empty on the add road.
         ChooseText(form->Combo1[0], "PC");
         QString shown;
-        OnNextModal([&shown](frmTracksListing* dialog) {
+        OnModal<frmTracksListing>([&shown](frmTracksListing* dialog) {
             shown = dialog->windowTitle() + "|" + dialog->Text();
             QTest::keyClicks(dialog->Text1, "files");
             QTest::mouseClick(dialog->cmdOK, Qt::LeftButton);
@@ -164,14 +164,14 @@ class frmEditTest : public QObject {
         // Back to tracks; Cancel restores this opening's text, Restore the text at load.
         ChooseText(form->Combo1[0], "Audio");
         QStringList seen;
-        OnNextModal([&seen](frmTracksListing* dialog) {
+        OnModal<frmTracksListing>([&seen](frmTracksListing* dialog) {
             seen << dialog->windowTitle() + "|" + dialog->Text();
             QTest::keyClicks(dialog->Text1, "x");
             QTest::mouseClick(dialog->cmdCancel, Qt::LeftButton);
         });
         QTest::mouseClick(form->cmdTracks, Qt::LeftButton);
         seen << tracks->Text();
-        OnNextModal([&seen](frmTracksListing* dialog) {
+        OnModal<frmTracksListing>([&seen](frmTracksListing* dialog) {
             QTest::mouseClick(dialog->cmdRestore, Qt::LeftButton);
             seen << dialog->Text();
             QVERIFY(dialog->isVisible());
@@ -273,7 +273,7 @@ class frmEditTest : public QObject {
         auto saveTooManyTracks = [this](frmEdit* form) {
             QStringList lines;
             for (int line = 0; line < 258; ++line) lines << QString("t%1").arg(line);
-            OnNextModal([lines](frmTracksListing* dialog) {
+            OnModal<frmTracksListing>([lines](frmTracksListing* dialog) {
                 dialog->SetText(lines.join(kCrLf));
                 QTest::mouseClick(dialog->cmdOK, Qt::LeftButton);
             });
@@ -325,7 +325,7 @@ class frmEditTest : public QObject {
 
         // An emptied listing is stored as an empty text.
         form = OpenEditor(false, id);
-        OnNextModal([](frmTracksListing* dialog) {
+        OnModal<frmTracksListing>([](frmTracksListing* dialog) {
             QCOMPARE(dialog->Text(), QString("t1"));
             dialog->Text1->clear();
             QTest::mouseClick(dialog->cmdOK, Qt::LeftButton);
