@@ -25,15 +25,13 @@ void AddTitle(int idcd, const QString& memo) {
         "')");
 }
 
-const QRegularExpression kEngineErrors("^(\\d+\\|[^\\t]+\\t)+$");
-
 }  // namespace
 
 class CompactionTest : public QObject {
     Q_OBJECT
 
   private slots:
-    void compactIntoMakesASmallerCopyAndNeverOverwrites() {
+    void compactIntoMakesASmallerCopy() {
         TempProgramFolder folder;
         folder.openCatalogue();
         const QString memo(2000, QChar('m'));
@@ -44,12 +42,6 @@ class CompactionTest : public QObject {
         const QString target = folder.file("data.compacted");
         QCOMPARE(CompactInto(gDatabasePath, target, gDatabasePassword), QString());
         QVERIFY(QFileInfo(target).size() < QFileInfo(gDatabasePath).size());
-
-        const QByteArray compacted = ReadBytes(target);
-        const QString errors = CompactInto(gDatabasePath, target, gDatabasePassword);
-        QVERIFY2(kEngineErrors.match(errors).hasMatch(), qPrintable(errors));
-        QVERIFY(errors.startsWith("3204|"));
-        QCOMPARE(ReadBytes(target), compacted);
 
         gDatabase = DBEngine::OpenDatabase(target, true, false, ";pwd=" + gDatabasePassword);
         QCOMPARE(RowCount("title"), 10L);
