@@ -13,10 +13,6 @@
 
 namespace {
 
-QByteArray FileHead(const QString& path) {
-    return ReadBytes(path, 15);
-}
-
 void AddTitle(int idcd, const QString& memo) {
     gDatabase->Execute(
         "insert into title (idcd, nmcd, idvendor, idplatform, idtype, idspecific, idmediatype, "
@@ -66,7 +62,7 @@ class CompactionTest : public QObject {
             QCOMPARE(dialogs.msgBoxes.size(), run);
             const MsgBoxCall& box = dialogs.msgBoxes.last();
             QVERIFY2(box.prompt.startsWith("3204|"), qPrintable(box.prompt));
-            QCOMPARE(FileHead(folder.file("data.gdb")), QByteArray("SQLite format F"));
+            QCOMPARE(ReadBytes(folder.file("data.gdb"), 15), QByteArray("SQLite format F"));
             QCOMPARE(ReadBytes(leftover), QByteArray("partial"));
         }
     }
@@ -91,7 +87,7 @@ class CompactionTest : public QObject {
         QVERIFY(dialogs.msgBoxes.isEmpty());
         QVERIFY(QFileInfo(folder.file("data.gdb")).isSymLink());
         QCOMPARE(QFileInfo(folder.file("data.gdb")).symLinkTarget(), target);
-        QCOMPARE(FileHead(target), QByteArray("SQLite format F"));
+        QCOMPARE(ReadBytes(target, 15), QByteArray("SQLite format F"));
         // Owner, group and others; Qt's "user" bits repeat the owner's for the test's own user.
         QCOMPARE(QFile::permissions(target) & QFile::Permissions(0x7077), permissions);
         QVERIFY(!QFile::exists(folder.file("data.compacted")));
