@@ -1,5 +1,5 @@
-// The disc readers: the identity rule, audio CDs from cue sheets, data listings from folders
-// and ISO images, and the refusals of broken input.
+// The disc readers: the identity rule, data listings from folders and ISO images, and the
+// refusals of broken input (an audio CD read from its cue sheet is the title editor's test).
 
 #include <QtTest>
 #include <fstream>
@@ -9,6 +9,7 @@
 #include "disc/discidentity.h"
 #include "disc/discimages.h"
 #include "disc/discnames.h"
+#include "support/testsupport.h"
 
 using namespace discimages;
 
@@ -51,22 +52,6 @@ class DiscReaderTest : public QObject {
         QCOMPARE(DecodeDiscText("Caf\xe9 \x80 \x93x\x94"), QString::fromUtf8("Café € “x”"));
     }
 
-    void audioCueWithCdText() {
-        QTemporaryDir dir;
-        const QString cue =
-            MakeCue(dir.path(), "album", "Blue Hours", "Ann Tanner",
-                    {{"00:00:00", "Morning"}, {"03:00:00", ""}, {"05:30:00", "Caf\xe9 Night"}});
-        AudioDisc disc;
-        QString problem;
-        QVERIFY2(ReadAudioDisc(cue, disc, problem), qPrintable(problem));
-        QCOMPARE(disc.toc.trackStarts, (QList<qint32>{0, 13500, 24750}));
-        QCOMPARE(disc.toc.leadout, 24750 + 750);
-        QCOMPARE(disc.titleId, 0x82400u);
-        QCOMPARE(disc.album, QString("Blue Hours"));
-        QCOMPARE(disc.performer, QString("Ann Tanner"));
-        QCOMPARE(disc.trackTitles, (QStringList{"Morning", "", QString::fromUtf8("Café Night")}));
-    }
-
     void audioRefusals() {
         QTemporaryDir dir;
         AudioDisc disc;
@@ -81,11 +66,8 @@ class DiscReaderTest : public QObject {
             MakeCue(dir.path(), "lost", "X", "Y", {{"00:00:00", "One"}}, 750, false);
         QVERIFY(!ReadAudioDisc(missingBin, disc, problem));
         QVERIFY2(problem.contains("lost.cue"), qPrintable(problem));
-        QFile text(dir.path() + "/notes.txt");
-        text.open(QIODevice::WriteOnly);
-        text.write("hello");
-        text.close();
-        QVERIFY(!ReadAudioDisc(text.fileName(), disc, problem));
+        WriteBytes(dir.path() + "/notes.txt", "hello");
+        QVERIFY(!ReadAudioDisc(dir.path() + "/notes.txt", disc, problem));
         QVERIFY(!ReadAudioDisc("/dev/null", disc, problem));
         QCOMPARE(disc.album, QString("untouched"));
 

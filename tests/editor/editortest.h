@@ -114,19 +114,9 @@ inline QStringList Texts(const QComboBox* combo) {
     return texts;
 }
 
-// Runs work on the modal window that the next command opens.
-template <typename Work>
-void OnNextModal(Work work) {
-    QTimer::singleShot(0, [work] {
-        auto* dialog = qobject_cast<frmTracksListing*>(QApplication::activeModalWidget());
-        QVERIFY(dialog);
-        work(dialog);
-    });
-}
-
 // Opens the tracks editor, replaces its text as typed lines, and leaves by OK.
 inline void TypeTracks(frmEdit* form, const QStringList& lines) {
-    OnNextModal([lines](frmTracksListing* dialog) {
+    OnModal<frmTracksListing>([lines](frmTracksListing* dialog) {
         dialog->Text1->clear();
         for (int index = 0; index < lines.size(); ++index) {
             if (index > 0) QTest::keyClick(dialog->Text1, Qt::Key_Return);
@@ -137,14 +127,13 @@ inline void TypeTracks(frmEdit* form, const QStringList& lines) {
     QTest::mouseClick(form->cmdTracks, Qt::LeftButton);
 }
 
-// Opens the tracks editor and leaves it by button at once; gives its caption and text, as
+// Opens the tracks editor and leaves it by OK at once; gives its caption and text, as
 // "caption|text".
-inline QString ShownInTracksEditor(
-    frmEdit* form, QPushButton* frmTracksListing::*button = &frmTracksListing::cmdOK) {
+inline QString ShownInTracksEditor(frmEdit* form) {
     QString shown;
-    OnNextModal([&shown, button](frmTracksListing* dialog) {
+    OnModal<frmTracksListing>([&shown](frmTracksListing* dialog) {
         shown = dialog->windowTitle() + "|" + dialog->Text();
-        QTest::mouseClick(dialog->*button, Qt::LeftButton);
+        QTest::mouseClick(dialog->cmdOK, Qt::LeftButton);
     });
     QTest::mouseClick(form->cmdTracks, Qt::LeftButton);
     return shown;

@@ -41,21 +41,12 @@ const MsgBoxCall kLookupOffer{
     "MusicBrainz and gnudb?",
     vbYesNo + vbQuestion, "Read disc"};
 
-void PointLookupAt(const QString& server) {
-    qputenv("VELMORA_MUSICBRAINZ_SERVER", server.toLatin1());
-    qputenv("VELMORA_GNUDB_SERVER", server.toLatin1());
-}
-
 // The online identity of the three-track disc that PlainCue reads.
 OnlineDiscIds PlainDiscIds() {
     OnlineDiscIds ids;
     QString problem;
     ComputeOnlineDiscIds(lookupanswers::ThreeTracks(), ids, problem);
     return ids;
-}
-
-QString PlainCue(const QString& folder) {
-    return MakeCue(folder, "plain", "", "", {{"00:00:00", ""}, {"03:00:00", ""}, {"05:30:00", ""}});
 }
 
 }  // namespace
@@ -67,10 +58,33 @@ class ReadDiscTest : public QObject {
     std::unique_ptr<ScriptedDialogs> dialogs;
     std::unique_ptr<RunningProgram> program;
     std::unique_ptr<QTemporaryDir> images;
+    std::unique_ptr<lookupserver::LookupServer> server;
     QStringList chosen;
     QString nextChoice;
 
     void Choose(const QString& source) { nextChoice = source; }
+
+    // A look-up server that MusicBrainz and gnudb are looked for at until the test's end.
+    lookupserver::LookupServer& StartServer() {
+        server = std::make_unique<lookupserver::LookupServer>();
+        qputenv("VELMORA_MUSICBRAINZ_SERVER", server->url().toLatin1());
+        qputenv("VELMORA_GNUDB_SERVER", server->url().toLatin1());
+        return *server;
+    }
+
+    // Reads the three-track disc without CD-Text into a new audio title from its image, after
+    // prepare, answering Yes to every box.
+    QPointer<frmEdit> ReadPlainDisc(const std::function<void(frmEdit*)>& prepare = {}) {
+        SelectNode("root");
+        QPointer<frmEdit> form = OpenEditor(true);
+        ChooseTitleKind(form, "Audio", "Jazz", "Album");
+        if (prepare) prepare(form);
+        dialogs->defaultMsgBoxAnswer = vbYes;
+        Choose(MakeCue(images->path(), "plain", "", "",
+                       {{"00:00:00", ""}, {"03:00:00", ""}, {"05:30:00", ""}}));
+        form->cmdReadDisc_Click();
+        return form;
+    }
 
   private slots:
     void init() {
@@ -89,9 +103,13 @@ class ReadDiscTest : public QObject {
     void cleanup() {
         SetDiscDriveLocator({});
         SetDiscSourceChooser({});
+        SetDocumentOpener({});
+        qunsetenv("VELMORA_MUSICBRAINZ_SERVER");
+        qunsetenv("VELMORA_GNUDB_SERVER");
         program.reset();
         dialogs.reset();
         images.reset();
+        server.reset();
     }
 
     void audioDiscFillsTheTitleAndSaves() {
@@ -155,8 +173,7 @@ class ReadDiscTest : public QObject {
 
     void lookUpADiscWithoutCdText() {
         using namespace lookupanswers;
-        lookupserver::LookupServer server;
-        PointLookupAt(server.url());
+        lookupserver::LookupServer& server = StartServer();
         const OnlineDiscIds ids = PlainDiscIds();
         const QByteArray id = ids.musicBrainzId.toLatin1();
         server.answer("/ws/2/discid/" + id,
@@ -172,11 +189,6 @@ class ReadDiscTest : public QObject {
                                      "DTITLE=Ann Tanner / Blue Hours (CDDB)", "TTITLE0=Morn",
                                      "TTITLE1=It's noon", "TTITLE2=Night", "."})));
 
-        SelectNode("root");
-        QPointer<frmEdit> form = OpenEditor(true);
-        ChooseTitleKind(form, "Audio", "Jazz", "Album");
-        QVERIFY(!form->cmdLookup->isEnabled());
-        form->Memo->setPlainText("Bought in Leeds");
         QStringList shown;
         OnLookupChoice([&shown](frmLookup* window) {
             shown = MatchRows(window, 8);
@@ -186,10 +198,10 @@ class ReadDiscTest : public QObject {
             QCOMPARE(window->txtTracks->toPlainText(), QString("1. Morn\n2. It's noon\n3. Night"));
             QTest::mouseClick(window->cmdUse, Qt::LeftButton);
         });
-        dialogs->answerMsgBox(vbYes);
-        dialogs->answerMsgBox(vbYes);
-        Choose(PlainCue(images->path()));
-        form->cmdReadDisc_Click();
+        QPointer<frmEdit> form = ReadPlainDisc([](frmEdit* form) {
+            QVERIFY(!form->cmdLookup->isEnabled());
+            form->Memo->setPlainText("Bought in Leeds");
+        });
         QCOMPARE(
             dialogs->takeBoxes(),
             Boxes({{"No CD drive was found." + kAudioOffer, vbYesNo + vbExclamation, "Read disc"},
@@ -200,8 +212,7 @@ class ReadDiscTest : public QObject {
         QCOMPARE(form->txtTitle->text(), QString("Blue Hours (CDDB)"));
         QCOMPARE(form->Combo1[1]->currentText(), QString("Ann Tanner"));
         QCOMPARE(TracksText(form), QString("Morn\r\nIt's noon\r\nNight"));
-        const QString memo = "Bought in Leeds\ngnudb jazz/" + ids.freedbId;
-        QCOMPARE(form->Memo->toPlainText(), memo);
+        QCOMPARE(form->Memo->toPlainText(), "Bought in Leeds\ngnudb jazz/" + ids.freedbId);
 
         form->cmdOK_Click();
         QVERIFY(!gEditForm);
@@ -209,16 +220,12 @@ class ReadDiscTest : public QObject {
             Scalar("select TitleID from title where idcd = " + QString::number(gCurrentTitleId))
                 .toLongLong(),
             qlonglong(0x82400));
-        qunsetenv("VELMORA_MUSICBRAINZ_SERVER");
-        qunsetenv("VELMORA_GNUDB_SERVER");
     }
 
     void releaseWithoutTracksOffersItsPage() {
         using namespace lookupanswers;
-        lookupserver::LookupServer server;
-        PointLookupAt(server.url());
-        const OnlineDiscIds ids = PlainDiscIds();
-        const QByteArray id = ids.musicBrainzId.toLatin1();
+        lookupserver::LookupServer& server = StartServer();
+        const QByteArray id = PlainDiscIds().musicBrainzId.toLatin1();
         server.answer(
             "/ws/2/discid/" + id,
             lookupserver::Body(Releases({Release("9e1d-release", "Blue Hours", "1999", "GB",
@@ -229,17 +236,7 @@ class ReadDiscTest : public QObject {
             opened << url;
             return true;
         });
-        SelectNode("root");
-        QPointer<frmEdit> form = OpenEditor(true);
-        ChooseTitleKind(form, "Audio", "Jazz", "Album");
-        dialogs->answerMsgBox(vbYes);
-        dialogs->answerMsgBox(vbYes);
-        dialogs->answerMsgBox(vbYes);
-        Choose(PlainCue(images->path()));
-        form->cmdReadDisc_Click();
-        SetDocumentOpener({});
-        qunsetenv("VELMORA_MUSICBRAINZ_SERVER");
-        qunsetenv("VELMORA_GNUDB_SERVER");
+        QPointer<frmEdit> form = ReadPlainDisc();
         QCOMPARE(
             dialogs->takeBoxes(),
             Boxes({{"No CD drive was found." + kAudioOffer, vbYesNo + vbExclamation, "Read disc"},

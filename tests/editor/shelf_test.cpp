@@ -122,7 +122,6 @@ class ShelfTest : public QObject {
         server->answer("/img/f", Body(front));
 
         QPointer<frmEdit> form = NewAudioTitle();
-        QVERIFY(form->cmdBarcode->isEnabled());
         // Spaces and dashes go; the second disc of the deluxe set is the one in hand.
         QStringList rows;
         UseRow("Ann Tanner;Blue Hours (Deluxe);2005;US;CD;2 of 2", &rows);
@@ -240,7 +239,6 @@ class ShelfTest : public QObject {
         SelectNode("root");
         // A large cover is scaled to 1200 on its long side; Cancel writes nothing.
         QPointer<frmEdit> form = OpenEditor(false, stored);
-        QVERIFY(!form->mnuCoverRemove->isEnabled() || form->Cover().IsEmpty());
         dialogs->answerFile(WriteFile("big.png", coverimages::Png(2400, 1200)));
         form->mnuCoverFile->trigger();
         QImage kept;

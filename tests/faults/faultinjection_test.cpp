@@ -13,18 +13,18 @@
 
 #include <QBuffer>
 #include <QRadioButton>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <csignal>
 #include <cstdio>
 
 #include "app/mGlobals.h"
+#include "disc/lookupserver.h"
 #include "editor/frmEdit.h"
 #include "editor/frmFetchCovers.h"
 #include "editor/frmTracksListing.h"
 #include "export/frmExport.h"
 #include "import/frmImport.h"
 #include "jet/jet.h"
+#include "jet/jetcheck.h"
 #include "loans/frmLend.h"
 #include "lookups/lookupoperations.h"
 #include "shell/frmMain.h"
@@ -101,7 +101,6 @@ const QByteArray kDownloadBody = QByteArray(400 * 1024, 'v') + "end";
 // The titles with a release and no cover, and the images the cover cases store: each stored
 // cover is one of these, whole.
 const int kReleaseTitles = 4;
-QString gCoverServerUrl;
 
 QByteArray EncodedImage(int side, const char* format) {
     QImage image(side, side, QImage::Format_RGB32);
@@ -322,32 +321,6 @@ struct ChildRun {
     qint64 steps() const { return lines("STEPS ").value(0).toLongLong(); }
 };
 
-// Answers every request with body, sent in pieces of piece bytes: the download's server sends
-// small ones, so that the download reports many steps.
-class BodyServer : public QTcpServer {
-  public:
-    BodyServer(const QByteArray& body, qsizetype piece) {
-        listen(QHostAddress::LocalHost);
-        connect(this, &QTcpServer::newConnection, this, [this, body, piece] {
-            while (QTcpSocket* socket = nextPendingConnection()) {
-                connect(socket, &QTcpSocket::readyRead, socket, [socket, body, piece] {
-                    if (!socket->readAll().contains("\r\n\r\n")) return;
-                    socket->write(
-                        "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(body.size()) +
-                        "\r\nConnection: close\r\n\r\n");
-                    for (qsizetype at = 0; at < body.size(); at += piece) {
-                        socket->write(body.mid(at, piece));
-                        socket->flush();
-                    }
-                    socket->disconnectFromHost();
-                });
-                connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-            }
-        });
-    }
-    QString url() const { return QString("http://127.0.0.1:%1").arg(serverPort()); }
-};
-
 ChildRun Run(const QString& operation, const QString& folder, Cut cut, qint64 step,
              const QString& url) {
     QProcess child;
@@ -358,7 +331,7 @@ ChildRun Run(const QString& operation, const QString& folder, Cut cut, qint64 st
     environment.insert("TMPDIR", temp.path());
     environment.insert("WINEPREFIX", folder + "/wine");
     environment.insert("VELMORA_FAULT_URL", url);
-    environment.insert("VELMORA_COVERART_SERVER", gCoverServerUrl);
+    environment.insert("VELMORA_COVERART_SERVER", url);
     child.setProcessEnvironment(environment);
     child.setProcessChannelMode(QProcess::MergedChannels);
     QEventLoop loop;
@@ -461,25 +434,6 @@ CatalogueState InspectCatalogue(const QString& folder) {
     return state;
 }
 
-// The rows of a table of a Jet file as mdb-export gives them, header first; fails the test when
-// mdbtools cannot read the file.
-QString ExportedTable(const QString& path, const QString& table, const QString& label) {
-    QProcess reader;
-    reader.start("mdb-export", {path, table});
-    const bool finished = reader.waitForFinished(30000);
-    [&] {
-        QVERIFY(finished);
-        QVERIFY2(reader.exitStatus() == QProcess::NormalExit && reader.exitCode() == 0,
-                 qPrintable(label + ": " + reader.readAllStandardError()));
-    }();
-    return QString::fromUtf8(reader.readAllStandardOutput());
-}
-
-QByteArray FileHead(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.read(15) : QByteArray();
-}
-
 // The cut points of one kind: count steps spread over the operation's run, each kind shifted
 // so that the kinds do not all meet the same step.
 QList<qint64> CutSteps(qint64 steps, int count, int kind) {
@@ -499,8 +453,8 @@ class FaultInjectionTest : public QObject {
     QTemporaryDir work;
     QString base;
     long baseTitles = 0;
-    BodyServer server{kDownloadBody, 4096};
-    BodyServer coverServer{FetchedCover(), FetchedCover().size()};
+    // The download's body goes in small pieces, so that the download reports many steps.
+    lookupserver::LookupServer server;
     int pointsPerKind = qMax(1, qEnvironmentVariableIntValue("VELMORA_FAULT_POINTS"));
     int cuts = 0;
     QString failedCaseKept;
@@ -551,12 +505,8 @@ class FaultInjectionTest : public QObject {
                    "\r\nnumtracks=1\r\n0=Only track\r\n";
         WriteBytes(base + "/" + kIniFile, ini);
 
-        const QString deluxe = base + "/" + kDeluxeFile;
-        QDir().mkpath(QFileInfo(deluxe).path());
-        QVERIFY(QFile::copy(FixturePath("jet/cd_pk.mdb"), deluxe));
-        QFile::setPermissions(deluxe, QFile::ReadOwner | QFile::WriteOwner);
         {
-            jet::Writer writer(deluxe);
+            jet::Writer writer(InstallDeluxeDatabase(base + "/wine"));
             for (int id = 1; id <= kDeluxeTitles; ++id) {
                 writer.AppendRow("Titles", {id * 7919, QString("Deluxe artist %1").arg(id % 9),
                                             QString("Deluxe album %1").arg(id), 4});
@@ -564,9 +514,6 @@ class FaultInjectionTest : public QObject {
                     writer.AppendRow("Tracks", {id * 7919, track, QString("Track %1").arg(track)});
             }
         }
-        WriteBytes(base + "/wine/user.reg",
-                   "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
-                   "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
         // One run of the program leaves the catalogue as every exit does: compacted, guarded.
         const ChildRun run = Run("none", base, Cut::None, 0, server.url());
         QVERIFY2(!run.crashed && run.exitCode == 0, qPrintable(run.output));
@@ -590,7 +537,7 @@ class FaultInjectionTest : public QObject {
         // The next start finds everything in order, and leaves the catalogue at rest.
         const ChildRun next = Run("none", folder, Cut::None, 0, server.url());
         QVERIFY2(!next.crashed && next.exitCode == 0, qPrintable(label + "\n" + next.output));
-        QCOMPARE(FileHead(folder + "/data.gdb"), QByteArray("SQLite format F"));
+        QCOMPARE(ReadBytes(folder + "/data.gdb", 15), QByteArray("SQLite format F"));
         const CatalogueState state = InspectCatalogue(folder);
         QVERIFY2(state.integrity == "ok", qPrintable(label + ": " + state.integrity));
         QVERIFY2(state.partialTitles == 0, qPrintable(label));
@@ -655,17 +602,18 @@ class FaultInjectionTest : public QObject {
             // and all, and every exported title has the tracks it counts.
             for (int reading = 0; reading < 2; ++reading) {
                 if (reading == 1) jet::Writer reopened(target);
-                const QString titles = ExportedTable(target, "Titles", label);
-                QVERIFY2(titles.contains("Deluxe album 1\"") &&
-                             titles.contains(QString("Deluxe album %1\"").arg(kDeluxeTitles)),
-                         qPrintable(label));
+                int exitCode = -1;
+                const QStringList titles = ExportedRows(target, "Titles", &exitCode);
+                QVERIFY2(
+                    exitCode == 0 && titles.join('\n').contains("Deluxe album 1\"") &&
+                        titles.join('\n').contains(QString("Deluxe album %1\"").arg(kDeluxeTitles)),
+                    qPrintable(label));
                 if (reading == 0) continue;
                 QHash<QString, int> said, stored;
-                for (const QString& row : titles.split('\n', Qt::SkipEmptyParts).mid(1))
+                for (const QString& row : titles)
                     if (row.section(',', 0, 0).toLongLong() >= kFirstCatalogueTitleId)
                         said[row.section(',', 0, 0)] = row.section(',', -1).toInt();
-                for (const QString& row :
-                     ExportedTable(target, "Tracks", label).split('\n', Qt::SkipEmptyParts))
+                for (const QString& row : ExportedRows(target, "Tracks"))
                     ++stored[row.section(',', 0, 0)];
                 for (auto title = said.cbegin(); title != said.cend(); ++title)
                     QVERIFY2(stored.value(title.key()) == title.value(),
@@ -694,12 +642,14 @@ class FaultInjectionTest : public QObject {
 
     void initTestCase() {
         QVERIFY(work.isValid());
-        QVERIFY(server.isListening());
+        lookupserver::Reply download = lookupserver::Body(kDownloadBody);
+        download.piece = 4096;
+        server.answer("/update.bin", download);
+        server.answer("/release/", lookupserver::Body(FetchedCover()));
         // The children's temporary folders are made in a folder that this test alone uses, so
         // that what they leave there can be seen.
         QVERIFY(QDir().mkpath(work.path() + "/temp"));
         qputenv("TMPDIR", QFile::encodeName(work.path() + "/temp"));
-        gCoverServerUrl = coverServer.url();
         MakeBase();
     }
 

@@ -27,8 +27,7 @@ class LoanStoreTest : public QObject {
         // A file that has the tables but lost an index gets it back; the rows stay.
         MakeTables(*gDatabase);
         QVERIFY(!TablesMissing(*gDatabase));
-        AddTitle(*gDatabase, "Kept");
-        LendTitles(*gDatabase, {TitleId("Kept")}, {"Anna", QDate(2026, 1, 1), {}, {}});
+        LendTitles(*gDatabase, {AddTitle(*gDatabase, "Kept")}, {"Anna", QDate(2026, 1, 1), {}, {}});
         gDatabase->Execute("DROP INDEX loan_open_by_title");
         QVERIFY(TablesMissing(*gDatabase));
         folder_->closeCatalogue();
@@ -46,9 +45,8 @@ class LoanStoreTest : public QObject {
 
     void catalogueKeepsTheRulesAgainstPlainStatements() {
         MakeTables(*gDatabase);
-        AddTitle(*gDatabase, "One");
+        const long one = AddTitle(*gDatabase, "One");
         AddTitle(*gDatabase, "Two");
-        const long one = TitleId("One");
         gDatabase->Execute("INSERT INTO borrower (nmborrower) VALUES ('Anna')");
         gDatabase->Execute("INSERT INTO borrower (nmborrower) VALUES ('Idle')");
         const QString lend = "INSERT INTO loan (idcd, idborrower, lent) VALUES (" +
@@ -90,8 +88,8 @@ class LoanStoreTest : public QObject {
 
     void lendsAndTakesBackAllOrNone() {
         MakeTables(*gDatabase);
-        for (const char* name : {"A", "B", "C", "D"}) AddTitle(*gDatabase, name);
-        const long a = TitleId("A"), b = TitleId("B"), c = TitleId("C"), d = TitleId("D");
+        const long a = AddTitle(*gDatabase, "A"), b = AddTitle(*gDatabase, "B"),
+                   c = AddTitle(*gDatabase, "C"), d = AddTitle(*gDatabase, "D");
         const QDate today(2026, 3, 10);
 
         LendTitles(*gDatabase, {a, b}, {" Anna ", today.addDays(-40), today.addDays(-10), "It's"});
@@ -145,10 +143,6 @@ class LoanStoreTest : public QObject {
     }
 
   private:
-    static long TitleId(const QString& name) {
-        return Scalar("select idcd from title where nmcd = '" + name + "'").toLongLong();
-    }
-
     std::unique_ptr<TempProgramFolder> folder_;
 };
 

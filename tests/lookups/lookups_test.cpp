@@ -27,14 +27,6 @@ QString NameOf(const QString& table, long id) {
     return Scalar(QString("select nm%1 from %1 where id%1 = %2").arg(table).arg(id)).toString();
 }
 
-// Titles are written as plain SQL so that only the routines under test touch the lookups.
-void AddTitle(long platform, long type, long specific, long vendor) {
-    gDatabase->Execute(
-        QString::asprintf("insert into title (nmcd, idplatform, idtype, idspecific, "
-                          "idvendor, idmediatype) values ('t', %ld, %ld, %ld, %ld, 1)",
-                          platform, type, specific, vendor));
-}
-
 using Routine = std::function<QString(int, long, QString&)>;
 
 QString Call(const Routine& routine, int action, long id, QString name = QString()) {
@@ -170,9 +162,10 @@ class LookupOperationsTest : public QObject {
         const long type = LookupResultId(Call(ModifyType, kLookupAdd, platform, "Features"));
         const long specific = LookupResultId(Call(ModifySpecific, kLookupAdd, type, "Wide"));
         const long vendor = LookupResultId(Call(ModifyVendor, kLookupAdd, platform, "Pioneer"));
-        AddTitle(platform, type, specific, vendor);
-        AddTitle(platform, type, specific, vendor);
-        AddTitle(1, 2, 4, 1);
+        // Titles are written as plain SQL so that only the routines under test touch the lookups.
+        AddTitle(*gDatabase, "t", platform, type, specific, vendor);
+        AddTitle(*gDatabase, "t", platform, type, specific, vendor);
+        AddTitle(*gDatabase, "t", 1, 2, 4, 1);
         const QString own = QString("idplatform = %1").arg(platform);
         gTreeDirty = gListDirty = false;
 

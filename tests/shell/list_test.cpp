@@ -72,8 +72,8 @@ class ListTest : public QObject {
             "INSERT INTO specific (idspecific, nmspecific, idtype) VALUES (900, 'Upright', 90)");
         gDatabase->Execute(
             "INSERT INTO vendor (idvendor, nmvendor, idplatform) VALUES (99, 'Arcadia', 9)");
-        const long arcade = AddTitle("Zap", 9, 90, 900, 99, 4, 2);
-        const long album = AddTitle("Blue", 1, 1, 1, 1, 2, 1);
+        const long arcade = AddTitle(*gDatabase, "Zap", 9, 90, 900, 99, 4, 2);
+        const long album = AddTitle(*gDatabase, "Blue", 1, 1, 1, 1, 2, 1);
         FillTree(1, "");
         ForceSelectNode(1);
 
@@ -106,9 +106,9 @@ class ListTest : public QObject {
 
     void columnClicksSortAsText() {
         frmMain* form = gMainForm;
-        AddTitle("b10", 1, 1, 1, 1, 1, 10);
-        AddTitle("B2", 1, 1, 1, 2, 1, 9);
-        AddTitle("a", 1, 1, 1, 1, 1, 2);
+        AddTitle(*gDatabase, "b10", 1, 1, 1, 1, 1, 10);
+        AddTitle(*gDatabase, "B2", 1, 1, 1, 2, 1, 9);
+        AddTitle(*gDatabase, "a", 1, 1, 1, 1, 1, 2);
         ForceSelectNode(1);
         QCOMPARE(ColumnTexts(0), QStringList({"a", "b10", "B2"}));
         ClickRow(1);
@@ -133,8 +133,8 @@ class ListTest : public QObject {
     }
 
     void hoverShowsTheCoverThumbnail() {
-        const long covered = AddTitle("Covered", 1, 1, 1, 1, 1, 1);
-        AddTitle("Plain", 1, 1, 1, 1, 1, 1);
+        const long covered = AddTitle(*gDatabase, "Covered", 1, 1, 1, 1, 1, 1);
+        AddTitle(*gDatabase, "Plain", 1, 1, 1, 1, 1, 1);
         PreparedCover prepared;
         QString problem;
         QVERIFY(PrepareCover(coverimages::Jpeg(300, 200), prepared, problem));

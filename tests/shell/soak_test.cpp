@@ -52,10 +52,6 @@ QWidget* ChooseWindow(QRandomGenerator& random) {
     }
 }
 
-QByteArray Header(const QString& path) {
-    return ReadBytes(path, 15);
-}
-
 void ActOn(QWidget* target, QRandomGenerator& random) {
     const QPoint point(random.bounded(target->width()), random.bounded(target->height()));
     switch (random.bounded(4)) {
@@ -163,7 +159,7 @@ class SoakTest : public QObject {
         int runs = 1;
         for (int step = 0; step < steps; ++step) {
             if (!gMainForm) {
-                QCOMPARE(Header(catalogue), QByteArray("SQLite format F"));
+                QCOMPARE(ReadBytes(catalogue, 15), QByteArray("SQLite format F"));
                 StartProgram();
                 QVERIFY2(gDatabase, "the next start found no catalogue");
                 ++runs;
@@ -192,7 +188,7 @@ class SoakTest : public QObject {
             EndProgram();
         }
         QVERIFY(!gDatabase);
-        QCOMPARE(Header(catalogue), QByteArray("SQLite format F"));
+        QCOMPARE(ReadBytes(catalogue, 15), QByteArray("SQLite format F"));
         // Opened as the next start opens it.
         FlipDatabaseHeader(catalogue, kUnguardHeader);
         gDatabasePath = catalogue;

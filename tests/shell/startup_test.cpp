@@ -19,10 +19,6 @@
 
 namespace {
 
-QByteArray Head(const QString& path) {
-    return ReadBytes(path, 100);
-}
-
 const MsgBoxCall kPasswordRefusedAtExit{"3031|Not a valid password.\t", vbCritical,
                                         "Error compacting database"};
 
@@ -123,7 +119,7 @@ class StartupTest : public QObject {
         QVERIFY(dialogs.msgBoxes.isEmpty());
         QCOMPARE(QDir(folder_->path()).entryList(QDir::Files | QDir::NoDotAndDotDot),
                  QStringList({"data.dll", "velmora.html"}));
-        QCOMPARE(Head(dataFolder + "/data.gdb").left(15), QByteArray("SQLite format F"));
+        QCOMPARE(ReadBytes(dataFolder + "/data.gdb", 15), QByteArray("SQLite format F"));
         QVERIFY(!QFile::exists(dataFolder + "/data.compacted"));
         QVERIFY(QFile::remove(dataFolder + "/data.gdb"));
 
@@ -167,7 +163,7 @@ class StartupTest : public QObject {
         QCOMPARE(GetAttr(gDatabasePath), int(vbArchive));
         QVERIFY(window->isVisible());
 
-        QVERIFY(Head(gDatabasePath).startsWith("SQLite format 3"));
+        QVERIFY(ReadBytes(gDatabasePath, 100).startsWith("SQLite format 3"));
         // A catalogue made at the present width keeps its label column where it is.
         QCOMPARE(gLenLabel, 32);
         QVERIFY(LastColumnOfTitle() != "label");
@@ -176,15 +172,15 @@ class StartupTest : public QObject {
         // The exit compacts the file and then changes exactly one byte of it to guard it.
         QVERIFY(!gDatabase);
         QVERIFY(!QFile::exists(folder_->file("data.compacted")));
-        const QByteArray closed = Head(folder_->file("data.gdb"));
+        const QByteArray closed = ReadBytes(folder_->file("data.gdb"), 100);
         QCOMPARE(closed.size(), 100);
         QCOMPARE(closed.at(14), char(0x46));
         FlipDatabaseHeader(folder_->file("data.gdb"), kUnguardHeader);
-        const QByteArray usable = Head(folder_->file("data.gdb"));
+        const QByteArray usable = ReadBytes(folder_->file("data.gdb"), 100);
         for (int offset = 0; offset < 100; ++offset)
             if (offset != 14) QCOMPARE(closed.at(offset), usable.at(offset));
         FlipDatabaseHeader(folder_->file("data.gdb"), kGuardHeader);
-        QCOMPARE(Head(folder_->file("data.gdb")), closed);
+        QCOMPARE(ReadBytes(folder_->file("data.gdb"), 100), closed);
 
         // The guarded file opens again at the next start, and a crash-left usable file too.
         QVERIFY(StartProgram());
@@ -221,7 +217,7 @@ class StartupTest : public QObject {
                              vbCritical, "Unable to initialize Velmora Database."},
                             kPasswordRefusedAtExit}));
             QCOMPARE(GetAttr(path), int(vbArchive));
-            QCOMPARE(Head(path).left(15), QByteArray("SQLite format F"));
+            QCOMPARE(ReadBytes(path, 15), QByteArray("SQLite format F"));
         }
         {
             SetAttr(path, vbReadOnly);
@@ -312,7 +308,7 @@ class InstanceTest : public QObject {
         QCOMPARE(first->exitCode(), 0);
         QCOMPARE(first->readAllStandardOutput(), QByteArray());
         QVERIFY(dialogs.msgBoxes.isEmpty());
-        QCOMPARE(Head(folder.file("data.gdb")).left(15), QByteArray("SQLite format F"));
+        QCOMPARE(ReadBytes(folder.file("data.gdb"), 15), QByteArray("SQLite format F"));
         QVERIFY(!QFile::exists(folder.file("data.compacted")));
 
         // Once it has ended, the folder is free.

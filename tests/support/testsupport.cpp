@@ -102,6 +102,18 @@ QString FixturePath(const QString& name) {
     return QStringLiteral(VELMORA_FIXTURES_DIR "/") + name;
 }
 
+QString InstallDeluxeDatabase(const QString& winePrefix) {
+    const QString database = winePrefix + "/drive_c/Program Files/Plus!/DeluxeCD.mdb";
+    QDir().mkpath(QFileInfo(database).path());
+    const bool copied = QFile::copy(FixturePath("deluxe/cd_pk.mdb"), database);
+    [&] { QVERIFY2(copied, qPrintable(database)); }();
+    QFile::setPermissions(database, QFile::ReadOwner | QFile::WriteOwner);
+    WriteBytes(winePrefix + "/user.reg",
+               "WINE REGISTRY Version 2\n\n[Software\\\\ODBC\\\\ODBC.INI\\\\DeluxeCD] 1\n"
+               "\"DBQ\"=\"deluxecd.mdb\"\n\"DefaultDir\"=\"C:\\\\program files\\\\plus!\"\n");
+    return database;
+}
+
 QVariant Scalar(const QString& sql) {
     auto records = gDatabase->OpenRecordset(sql, dbOpenSnapshot);
     return records->IsEOF() ? QVariant() : records->Fields(0).Value();
@@ -109,6 +121,20 @@ QVariant Scalar(const QString& sql) {
 
 long RowCount(const QString& from) {
     return Scalar("select count(*) from " + from).toLongLong();
+}
+
+long AddTitle(Database& database, const QString& name, int platform, int type, int specific,
+              int vendor, int mediatype, int nrcds) {
+    database.Execute(QString("INSERT INTO title (nmcd, nrcds, idvendor, idplatform, idtype, "
+                             "idspecific, idmediatype) VALUES ('%1', %2, %3, %4, %5, %6, %7)")
+                         .arg(name)
+                         .arg(nrcds)
+                         .arg(vendor)
+                         .arg(platform)
+                         .arg(type)
+                         .arg(specific)
+                         .arg(mediatype));
+    return database.OpenRecordset("select max(idcd) from title")->Fields(0).Value().toLongLong();
 }
 
 frmMain* StartProgram() {

@@ -84,12 +84,20 @@ frmMain* StartProgram();
 QVariant Scalar(const QString& sql);
 // The open catalogue's count of rows from a table or join and its condition ("title where ...").
 long RowCount(const QString& from);
+class Database;
+// Files a title in database under the given lookups (by default the template's audio platform,
+// type Pop, Album, Various artists and CD-ROM) and returns its idcd.
+long AddTitle(Database& database, const QString& name, int platform = 1, int type = 1,
+              int specific = 1, int vendor = 1, int mediatype = 1, int nrcds = 1);
 // The first length bytes of a file, all of it when length is negative; empty when unreadable.
 QByteArray ReadBytes(const QString& path, qint64 length = -1);
 // Replaces the file's content with bytes.
 void WriteBytes(const QString& path, const QByteArray& bytes);
 // A file of the checked-in fixtures, by its path below the fixtures folder.
 QString FixturePath(const QString& name);
+// The Deluxe CD player's database installed in the Wine prefix, where its ODBC entry says it is;
+// returns its path.
+QString InstallDeluxeDatabase(const QString& winePrefix);
 
 // The number of the VbError that work raises, 0 when it raises none.
 template <typename Work>

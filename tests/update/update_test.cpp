@@ -3,15 +3,22 @@
 
 #include <cstdio>
 
+#include "disc/lookupserver.h"
 #include "shell/frmMain.h"
 #include "support/testsupport.h"
 #include "toolkit/vb/longwork.h"
 #include "toolkit/vb/vbruntime.h"
 #include "update/frmDownload.h"
 #include "update/mDownload.h"
-#include "update/testhttpserver.h"
+
+using lookupserver::Body;
+using lookupserver::LookupServer;
+using lookupserver::Reply;
+using lookupserver::Status;
 
 namespace {
+
+const QByteArray kServerIni = "/software/updates/velmora.ini";
 
 QByteArray Source(int size) {
     QByteArray data(size, '\0');
@@ -32,10 +39,18 @@ Transfer Download(const QString& url, const QString& saveAs) {
     return result;
 }
 
-HttpAnswer Answering(const QByteArray& statusLine) {
-    HttpAnswer answer;
-    answer.statusLine = statusLine;
-    return answer;
+// body, and from where a Range asks the rest of it.
+Reply Resumable(const QByteArray& body) {
+    Reply reply = Body(body);
+    reply.honourRange = true;
+    return reply;
+}
+
+// The first count bytes of body, announced whole: the connection breaks off there.
+Reply BrokenOff(const QByteArray& body, int count) {
+    Reply reply = Resumable(body.left(count));
+    reply.announced = body.size();
+    return reply;
 }
 
 QByteArray ServerIni(int latestMajor, int minor, int revision, const QString& programUrl,
@@ -61,6 +76,14 @@ class UpdateTest : public QObject {
     QTemporaryDir dir;
     QString target() const { return dir.filePath("incoming/file.bin"); }
 
+    // The running version 2.4.0, looking for its update at server.
+    void RunAsVersion240Of(const LookupServer& server) {
+        qputenv("VELMORA_UPDATE_SERVER", server.url().toLocal8Bit());
+        App.Major = 2;
+        App.Minor = 4;
+        App.Revision = 0;
+    }
+
   private slots:
     void initTestCase() {
         savedApp = App;
@@ -73,9 +96,8 @@ class UpdateTest : public QObject {
     }
 
     void versionsAreComparedWithinTheRunningMajor() {
-        TestHttpServer server;
-        qputenv("VELMORA_UPDATE_SERVER", server.url("").toLocal8Bit());
-        App.Major = 2;
+        LookupServer server;
+        RunAsVersion240Of(server);
         const MsgBoxCall offer{"Update Velmora from version 2.4.0 to 2.4.1?",
                                vbYesNoCancel + vbQuestion, "Proceed with Live-Update?"};
         const MsgBoxCall declined{"User doesn't want to update Velmora.", vbOKOnly, "Live-Update"};
@@ -101,8 +123,9 @@ class UpdateTest : public QObject {
             dialogs.answerMsgBox(vbNo);
             App.Minor = c.minor;
             App.Revision = c.revision;
-            server.files["/software/updates/velmora.ini"] =
-                ServerIni(c.latestMajor, c.serverMinor, c.serverRevision, server.url("/u"));
+            server.clear();
+            server.answer(kServerIni, Body(ServerIni(c.latestMajor, c.serverMinor, c.serverRevision,
+                                                     server.url() + "/u")));
             frmDownload form;
             QVERIFY(!form.Update());
             QCOMPARE(dialogs.msgBoxes, c.boxes);
@@ -111,11 +134,8 @@ class UpdateTest : public QObject {
     }
 
     void theServersFileNameTouchesNothingOutsideTemp() {
-        TestHttpServer server;
-        qputenv("VELMORA_UPDATE_SERVER", server.url("").toLocal8Bit());
-        App.Major = 2;
-        App.Minor = 4;
-        App.Revision = 0;
+        LookupServer server;
+        RunAsVersion240Of(server);
         QDir().mkpath(tempFolder());
         const QFile::Permissions folderMode = QFileInfo(tempFolder()).permissions();
         const QString victim = wine.filePath("drive_c/victim.txt");
@@ -123,8 +143,8 @@ class UpdateTest : public QObject {
         for (const QString& name :
              QStringList{"../victim.txt", "", "..", "sub/upd.sh", "..\\victim.txt"}) {
             ScriptedDialogs dialogs;
-            server.files["/software/updates/velmora.ini"] =
-                ServerIni(2, 9, 0, server.url("/u"), name);
+            server.clear();
+            server.answer(kServerIni, Body(ServerIni(2, 9, 0, server.url() + "/u", name)));
             frmDownload form;
             QVERIFY(!form.Update());
             QCOMPARE(dialogs.msgBoxes, Boxes({{"Error: Bad file name or number occurred.",
@@ -136,7 +156,8 @@ class UpdateTest : public QObject {
         QFile::setPermissions(victim, QFile::ReadOwner);
         QVERIFY(QFile::link(victim, tempFolder() + "/upd.sh"));
         ScriptedDialogs dialogs;
-        server.files["/software/updates/velmora.ini"] = ServerIni(2, 4, 0, server.url("/u"));
+        server.clear();
+        server.answer(kServerIni, Body(ServerIni(2, 4, 0, server.url() + "/u")));
         frmDownload form;
         QVERIFY(!form.Update());
         QVERIFY(!QFileInfo(tempFolder() + "/upd.sh").isSymLink());
@@ -146,14 +167,12 @@ class UpdateTest : public QObject {
     void theToolbarCommandFetchesStartsAndEnds() {
         TempProgramFolder folder;
         folder.installCatalogue();
-        TestHttpServer server;
-        qputenv("VELMORA_UPDATE_SERVER", server.url("").toLocal8Bit());
+        LookupServer server;
+        RunAsVersion240Of(server);
         const QString proof = wine.filePath("ran.txt");
-        server.files["/software/updates/velmora.ini"] = ServerIni(2, 9, 0, server.url("/upd.sh"));
-        server.files["/upd.sh"] = ("#!/bin/sh\necho updated > '" + proof + "'\n").toLocal8Bit();
-        App.Major = 2;
-        App.Minor = 4;
-        App.Revision = 0;
+        server.answer(kServerIni, Body(ServerIni(2, 9, 0, server.url() + "/upd.sh")));
+        server.answer("/upd.sh",
+                      Body(("#!/bin/sh\necho updated > '" + proof + "'\n").toLocal8Bit()));
         frmMain* main = StartProgram();
         QVERIFY(main);
         ScriptedDialogs dialogs;
@@ -172,11 +191,11 @@ class UpdateTest : public QObject {
     void resumedTransferAsksForTheLastGoodRangeAndEndsWhole() {
         ScriptedDialogs dialogs;
         dialogs.answerMsgBox(vbRetry);
-        TestHttpServer server(Source(30000));
-        HttpAnswer broken;
-        broken.closeAfter = 10000;
-        server.answers << broken << HttpAnswer{};
-        const Transfer transfer = Download(server.url("/files/file.bin"), target());
+        const QByteArray source = Source(30000);
+        LookupServer server;
+        server.answer("/file.bin", BrokenOff(source, 10000));
+        server.answer("/file.bin", Resumable(source));
+        const Transfer transfer = Download(server.url() + "/files/file.bin", target());
         QVERIFY(transfer.succeeded);
         QCOMPARE(transfer.statusText, QString("Download completed!"));
         // Qt's network layer may send a request again on its own when the server closes the
@@ -184,22 +203,24 @@ class UpdateTest : public QObject {
         QStringList asked = server.ranges;
         asked.removeDuplicates();
         QCOMPARE(asked, QStringList({"bytes=0-", "bytes=5904-"}));
-        QCOMPARE(ReadBytes(target()), server.body);
+        QCOMPARE(ReadBytes(target()), source);
         QCOMPARE(dialogs.msgBoxes.size(), 1);
         QCOMPARE(dialogs.msgBoxes[0].title, QString("Download Incomplete"));
 
         // Cancel on the same question leaves no partial file.
         dialogs.msgBoxes.clear();
         dialogs.answerMsgBox(vbCancel);
-        server.answers = {broken};
-        QVERIFY(!Download(server.url("/files/file.bin"), target()).succeeded);
+        server.clear();
+        server.answer("/file.bin", BrokenOff(source, 10000));
+        QVERIFY(!Download(server.url() + "/files/file.bin", target()).succeeded);
         QVERIFY(!QFile::exists(target()));
 
         // Every byte arrived, but what stands on disc is shorter (another program replaced the
         // file mid-way): the download is not complete.
         dialogs.msgBoxes.clear();
         dialogs.answerMsgBox(vbCancel);
-        server.answers = {HttpAnswer{}};
+        server.clear();
+        server.answer("/file.bin", Resumable(source));
         bool replaced = false;
         const int listener =
             AddProgressListener([&](const QString& operation, qint64 done, qint64) {
@@ -208,7 +229,7 @@ class UpdateTest : public QObject {
                 WriteBytes(target() + ".other", "short");
                 std::rename(QFile::encodeName(target() + ".other"), QFile::encodeName(target()));
             });
-        const Transfer shortened = Download(server.url("/files/file.bin"), target());
+        const Transfer shortened = Download(server.url() + "/files/file.bin", target());
         RemoveProgressListener(listener);
         QVERIFY(replaced);
         QVERIFY(!shortened.succeeded);
@@ -217,17 +238,20 @@ class UpdateTest : public QObject {
     }
 
     void serverIgnoringRangesOnRetryAsksToStartOver() {
-        TestHttpServer server(Source(20000));
-        HttpAnswer broken;
-        broken.closeAfter = 10000;
-        HttpAnswer whole;
-        whole.honourRange = false;
+        const QByteArray source = Source(20000);
+        LookupServer server;
+        // Broken off at first, then whole whatever the Range asks.
+        const auto breakThenIgnoreRanges = [&] {
+            server.clear();
+            server.answer("/a.bin", BrokenOff(source, 10000));
+            server.answer("/a.bin", Body(source));
+        };
         {
             ScriptedDialogs dialogs;
             dialogs.answerMsgBox(vbRetry);
             dialogs.answerMsgBox(vbNo);
-            server.answers = {broken, whole};
-            QVERIFY(!Download(server.url("/a.bin"), target()).succeeded);
+            breakThenIgnoreRanges();
+            QVERIFY(!Download(server.url() + "/a.bin", target()).succeeded);
             QCOMPARE(dialogs.msgBoxes.size(), 2);
             QCOMPARE(dialogs.msgBoxes[1],
                      MsgBoxCall({"The server is unable to resume this download.\r\rDo you want to "
@@ -239,66 +263,65 @@ class UpdateTest : public QObject {
             ScriptedDialogs dialogs;
             dialogs.answerMsgBox(vbRetry);
             dialogs.answerMsgBox(vbYes);
-            server.answers = {broken, whole};
-            QVERIFY(Download(server.url("/a.bin"), target()).succeeded);
-            QCOMPARE(ReadBytes(target()), server.body);
+            breakThenIgnoreRanges();
+            QVERIFY(Download(server.url() + "/a.bin", target()).succeeded);
+            QCOMPARE(ReadBytes(target()), source);
         }
         // On the first pass a server without ranges is simply a whole file.
         ScriptedDialogs dialogs;
-        server.answers = {whole};
-        QVERIFY(Download(server.url("/a.bin"), target()).succeeded);
+        server.clear();
+        server.answer("/a.bin", Body(source));
+        QVERIFY(Download(server.url() + "/a.bin", target()).succeeded);
         QVERIFY(dialogs.msgBoxes.isEmpty());
     }
 
     void refusingAnswersShowTheirBoxAndLeaveNothing() {
-        TestHttpServer server(Source(3000));
-        const QString url = server.url("/x.bin");
+        const QByteArray source = Source(3000);
+        LookupServer server;
+        const QString url = server.url() + "/x.bin";
         QTcpServer closed;
         closed.listen(QHostAddress::LocalHost);
         const QString nowhere = "http://127.0.0.1:" + QString::number(closed.serverPort()) + "/x";
         closed.close();
-        HttpAnswer noLength;
+        Reply noLength = Resumable(source);
         noLength.sendLength = false;
         // A length beyond any number of bytes.
-        HttpAnswer huge = Answering("HTTP/1.1 200 OK\r\nContent-Length: 99999999999999999999");
+        Reply huge = Body(source);
         huge.sendLength = false;
-        huge.honourRange = false;
+        huge.headers = "Content-Length: 99999999999999999999\r\n";
         // Lengths a 32-bit count cannot hold overflow rather than wrap.
-        HttpAnswer fourGiB = huge;
-        fourGiB.statusLine = "HTTP/1.1 200 OK\r\nContent-Length: 4294967296";
+        Reply fourGiB = huge;
+        fourGiB.headers = "Content-Length: 4294967296\r\n";
         // An empty prompt: no box; an empty address or file: the server's file and target().
         struct Case {
-            HttpAnswer answer;
+            Reply answer;
             QString prompt;
             int flags;
             QString title, url = {}, saveAs = {};
         };
         const QList<Case> cases = {
-            {Answering("HTTP/1.1 204 No Content"), "Nothing to download!", vbInformation,
-             "No Content"},
-            {Answering("HTTP/1.1 401 Unauthorized"), "Authorization failed!", vbCritical,
-             "Unauthorized"},
-            {Answering("HTTP/1.1 404 Not Found"), "The file, \"" + url + "\" was not found!",
-             vbCritical, "File Not Found"},
-            {Answering("HTTP/1.1 299 Odd Thing"),
+            {Status("404 Not Found"), "The file, \"" + url + "\" was not found!", vbCritical,
+             "File Not Found"},
+            {Status("299 Odd Thing"),
              "The server returned the following response:\r\nHTTP/1.1 299 Odd Thing\r", vbCritical,
              "Error Downloading File"},
             // No length: the call ends without a word.
             {noLength, "", 0, ""},
-            {HttpAnswer(),
+            {Resumable(source),
              "Cannot establish connection.\r\nCheck your Internet connection and try again.",
              vbExclamation, "Cannot Establish Connection", nowhere},
             {huge, "Error: Overflow occurred.", vbCritical, "Error Downloading File"},
             {fourGiB, "Error: Overflow occurred.", vbCritical, "Error Downloading File"},
             // /proc: a file system without a free byte.
-            {HttpAnswer(),
+            {Resumable(source),
              "There is not enough free space on disk for this file.\r\nPlease free up some disk "
              "space and try again.",
              vbCritical, "Insufficient Disk Space", url, "/proc/velmora/x.bin"},
         };
         for (const Case& c : cases) {
             ScriptedDialogs dialogs;
-            server.answers = {c.answer};
+            server.clear();
+            server.answer("/x.bin", c.answer);
             QVERIFY(
                 !Download(c.url.isEmpty() ? url : c.url, c.saveAs.isEmpty() ? target() : c.saveAs)
                      .succeeded);
@@ -312,8 +335,9 @@ class UpdateTest : public QObject {
             QDir().mkpath(target());
             QFile folder(target());
             QVERIFY(!folder.open(QIODevice::ReadWrite));
-            server.answers = {HttpAnswer{}};
-            QVERIFY(!Download(server.url("/x.bin"), target()).succeeded);
+            server.clear();
+            server.answer("/x.bin", Resumable(source));
+            QVERIFY(!Download(url, target()).succeeded);
             QCOMPARE(dialogs.msgBoxes,
                      Boxes({{"Cannot write file to disk.\r\nError 75: " + folder.errorString(),
                              vbCritical, "Error Downloading File"},
