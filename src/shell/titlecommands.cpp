@@ -3,6 +3,7 @@
 #include <QSignalBlocker>
 
 #include "app/mGlobals.h"
+#include "loans/lentoutfolder.h"
 #include "shell/frmMain.h"
 #include "store/catalogue.h"
 #include "store/fieldsizes.h"
@@ -43,8 +44,12 @@ void frmMain::DeleteTitle() {
                                    QString::number(gCurrentTitleId));
                 RemoveListItem(row);
                 ListView1->viewport()->update();
-                // Its loans went with it.
-                ShowLoanCount();
+                // Its loans went with it; with the last lent title goes the "Lent out" folder.
+                if (NodeOfKey(loans::kLentOutKey) && !loans::AnyTitleOut()) {
+                    LoansChanged();
+                } else {
+                    ShowLoanCount();
+                }
             }
         }
         // The count panel keeps its number until the next read.

@@ -233,6 +233,10 @@ class LendingTest : public QObject {
         QCOMPARE(RowCount("loan"), 1L);
         QCOMPARE(RowCount("title"), 3L);
         QCOMPARE(form()->PanelText(1), QString("1 disc lent out"));
+        SelectRows({0});
+        dialogs_->answerMsgBox(vbYes);
+        form()->mnuDeleteCD->trigger();
+        QVERIFY(!NodeWithKey(loans::kLentOutKey));
     }
 
     void editorShowsTheHistoryAndLendsAndTakesBack() {
